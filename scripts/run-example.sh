@@ -1,0 +1,22 @@
+#!/usr/bin/env bash
+# The main job of `make run`: open the bundled example flow in the workbench, or, with
+# no display, run it headless and say where its outputs went.
+set -euo pipefail
+build_dir=${1:-build}
+exe="$build_dir/app/tabrelle"
+example="examples/sales/clean-and-merge.tflow"
+
+if [ ! -f "$example" ]; then
+    # No example flow yet: the program says what it is.
+    exec "$exe"
+fi
+
+if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
+    exec "$exe" "$example"
+fi
+
+echo "No display found: running $example headless."
+status=0
+"$exe" -cli -verbosity 3 "$example" || status=$?
+echo "Outputs of the example are in $(cd "$(dirname "$example")" && pwd)/output"
+exit $status
