@@ -17,7 +17,9 @@ class DataRowIndex
 {
 public:
     constexpr DataRowIndex() = default;
-    constexpr DataRowIndex(int index) : m_index(index) { }
+    constexpr DataRowIndex(int index)
+        : m_index(index)
+    { }
     constexpr int toInt() const { return m_index; }
     constexpr bool isValid() const { return m_index >= 0; }
     friend constexpr bool operator==(DataRowIndex a, DataRowIndex b) { return a.m_index == b.m_index; }
@@ -35,7 +37,9 @@ class DataColumnIndex
 {
 public:
     constexpr DataColumnIndex() = default;
-    constexpr DataColumnIndex(int index) : m_index(index) { }
+    constexpr DataColumnIndex(int index)
+        : m_index(index)
+    { }
     constexpr int toInt() const { return m_index; }
     constexpr bool isValid() const { return m_index >= 0; }
     inline ParameterColumnIndex toParameterColumnIndex() const;
@@ -52,11 +56,19 @@ class ParameterColumnIndex
 {
 public:
     constexpr ParameterColumnIndex() = default;
-    constexpr ParameterColumnIndex(int index) : m_index(index) { }
+    constexpr ParameterColumnIndex(int index)
+        : m_index(index)
+    { }
     constexpr int toInt() const { return m_index; }
     constexpr DataColumnIndex toDataColumnIndex() const { return DataColumnIndex(m_index - 1); }
-    friend constexpr bool operator==(ParameterColumnIndex a, ParameterColumnIndex b) { return a.m_index == b.m_index; }
-    friend constexpr bool operator!=(ParameterColumnIndex a, ParameterColumnIndex b) { return a.m_index != b.m_index; }
+    friend constexpr bool operator==(ParameterColumnIndex a, ParameterColumnIndex b)
+    {
+        return a.m_index == b.m_index;
+    }
+    friend constexpr bool operator!=(ParameterColumnIndex a, ParameterColumnIndex b)
+    {
+        return a.m_index != b.m_index;
+    }
 
 private:
     int m_index = 0;
@@ -67,15 +79,24 @@ inline ParameterColumnIndex DataColumnIndex::toParameterColumnIndex() const
     return ParameterColumnIndex(m_index + 1);
 }
 
-inline uint qHash(DataRowIndex index, uint seed = 0) { return ::qHash(index.toInt(), seed); }
-inline uint qHash(DataColumnIndex index, uint seed = 0) { return ::qHash(index.toInt(), seed); }
+inline uint qHash(DataRowIndex index, uint seed = 0)
+{
+    return ::qHash(index.toInt(), seed);
+}
+inline uint qHash(DataColumnIndex index, uint seed = 0)
+{
+    return ::qHash(index.toInt(), seed);
+}
 
 // Identity of a column across transforms: (id of the node that made it, sequence number).
 class ColumnId
 {
 public:
     constexpr ColumnId() = default;
-    constexpr ColumnId(int nodeId, int sequence) : m_nodeId(nodeId), m_sequence(sequence) { }
+    constexpr ColumnId(int nodeId, int sequence)
+        : m_nodeId(nodeId)
+        , m_sequence(sequence)
+    { }
     constexpr int nodeId() const { return m_nodeId; }
     constexpr int sequence() const { return m_sequence; }
     constexpr bool isUnset() const { return m_nodeId == -1 && m_sequence == 0; }
@@ -91,14 +112,20 @@ private:
 };
 
 // The sequence number alone: ids from one assignment pass never collide on it.
-inline uint qHash(ColumnId id, uint seed = 0) { return ::qHash(id.sequence(), seed); }
+inline uint qHash(ColumnId id, uint seed = 0)
+{
+    return ::qHash(id.sequence(), seed);
+}
 
 // One cell (or a whole row with column -1, or a whole column with row -1) as a hash key.
 struct DataCellIndex
 {
     DataRowIndex row;
     DataColumnIndex column;
-    friend bool operator==(DataCellIndex a, DataCellIndex b) { return a.row == b.row && a.column == b.column; }
+    friend bool operator==(DataCellIndex a, DataCellIndex b)
+    {
+        return a.row == b.row && a.column == b.column;
+    }
 };
 inline uint qHash(DataCellIndex cell, uint seed = 0)
 {
@@ -184,7 +211,8 @@ public:
     bool anyCellContains(const QString &text, Qt::CaseSensitivity cs) const;
     bool headerContains(const QString &text, Qt::CaseSensitivity cs) const;
     bool columnHasDuplicate(DataColumnIndex column, int maxRows) const;
-    static bool columnsEqual(const Dataset *a, DataColumnIndex columnA, const Dataset *b, DataColumnIndex columnB);
+    static bool columnsEqual(
+        const Dataset *a, DataColumnIndex columnA, const Dataset *b, DataColumnIndex columnB);
     static bool rowsEqual(const Dataset *a, DataRowIndex rowA, const Dataset *b, DataRowIndex rowB);
 
     // Headers
@@ -208,17 +236,30 @@ public:
     void assignColumnIds(int nodeId);
 
     // Verification marks
-    void addColumnRuleFail(DataRowIndex row, DataColumnIndex column, VerifyColumnRuleId rule, OnVerifyFail severity);
+    void addColumnRuleFail(
+        DataRowIndex row, DataColumnIndex column, VerifyColumnRuleId rule, OnVerifyFail severity);
     void addCellFail(DataRowIndex row, DataColumnIndex column, OnVerifyFail severity);
     void addRowDatasetRuleFail(DataRowIndex row, VerifyDatasetRuleId rule, OnVerifyFail severity);
     void addColumnDatasetRuleFail(DataColumnIndex column, VerifyDatasetRuleId rule, OnVerifyFail severity);
     void addColumnColumnRuleFail(DataColumnIndex column, VerifyColumnRuleId rule, OnVerifyFail severity);
     bool hasVerifyFails() const { return !m_verifyFails.isEmpty(); }
     OnVerifyFail verifyFail(DataRowIndex row, DataColumnIndex column) const;
-    const QHash<DataRowIndex, QHash<VerifyDatasetRuleId, int>> &rowDatasetRuleCounts() const { return m_rowDatasetRuleCounts; }
-    const QHash<DataColumnIndex, QHash<VerifyDatasetRuleId, int>> &columnDatasetRuleCounts() const { return m_columnDatasetRuleCounts; }
-    const QHash<DataRowIndex, QHash<VerifyColumnRuleId, int>> &rowColumnRuleCounts() const { return m_rowColumnRuleCounts; }
-    const QHash<DataColumnIndex, QHash<VerifyColumnRuleId, int>> &columnColumnRuleCounts() const { return m_columnColumnRuleCounts; }
+    const QHash<DataRowIndex, QHash<VerifyDatasetRuleId, int>> &rowDatasetRuleCounts() const
+    {
+        return m_rowDatasetRuleCounts;
+    }
+    const QHash<DataColumnIndex, QHash<VerifyDatasetRuleId, int>> &columnDatasetRuleCounts() const
+    {
+        return m_columnDatasetRuleCounts;
+    }
+    const QHash<DataRowIndex, QHash<VerifyColumnRuleId, int>> &rowColumnRuleCounts() const
+    {
+        return m_rowColumnRuleCounts;
+    }
+    const QHash<DataColumnIndex, QHash<VerifyColumnRuleId, int>> &columnColumnRuleCounts() const
+    {
+        return m_columnColumnRuleCounts;
+    }
     QList<VerifyColumnRuleId> cellColumnRules(DataRowIndex row, DataColumnIndex column) const;
     void clearVerifyMarks();
 
@@ -261,10 +302,10 @@ public:
     bool isBooleanColumn(DataColumnIndex column) const;
     bool isTimeColumn(DataColumnIndex column) const;
     bool isJsonNumberColumn(DataColumnIndex column) const;
-    bool guessDateFormat(DataColumnIndex column, const QStringList &formats, QString *outFormat,
-                         int maxValues) const;
-    ColumnType columnType(DataColumnIndex column, const QStringList &formats, QString *outFormat,
-                          bool ignoreCurrency) const;
+    bool guessDateFormat(
+        DataColumnIndex column, const QStringList &formats, QString *outFormat, int maxValues) const;
+    ColumnType columnType(
+        DataColumnIndex column, const QStringList &formats, QString *outFormat, bool ignoreCurrency) const;
     QList<DataColumnIndex> numericColumns(int limit, bool ignoreCurrency) const;
     // No space, "." or "," in the first 50 values, and not a date.
     bool isPlainColumn(DataColumnIndex column, const QStringList &formats) const;
@@ -299,7 +340,8 @@ void Dataset::sortRows(DataColumnIndex column, LessThan lessThan)
     const int c = column.toInt();
     if (c < 0 || c >= m_columnCount || m_rows.size() < 2)
         return;
-    struct Key {
+    struct Key
+    {
         const QString *text;
         int row;
     };
@@ -307,8 +349,8 @@ void Dataset::sortRows(DataColumnIndex column, LessThan lessThan)
     keys.reserve(m_rows.size());
     for (int r = 0; r < m_rows.size(); ++r)
         keys.push_back({&m_rows.at(r).at(c), r});
-    std::stable_sort(keys.begin(), keys.end(),
-                     [&](const Key &a, const Key &b) { return lessThan(*a.text, *b.text); });
+    std::stable_sort(
+        keys.begin(), keys.end(), [&](const Key &a, const Key &b) { return lessThan(*a.text, *b.text); });
     QVector<int> order;
     order.reserve(int(keys.size()));
     for (const Key &key : keys)
