@@ -61,6 +61,8 @@ private slots:
     void columnSummaries_data();
     void columnSummaries();
     void textForms();
+    void queries_data();
+    void queries();
 };
 
 void TestDataset::addRow_data()
@@ -539,6 +541,65 @@ void TestDataset::textForms()
         QString("<table>\n<tr><th>a</th><th>2</th></tr>\n"
                 "<tr><td>1\t2</td><td>&quot;q&quot;</td></tr>\n"
                 "<tr><td>x\ny</td><td>&lt;&amp;&gt;</td></tr>\n</table>\n"));
+}
+
+void TestDataset::queries_data()
+{
+    QTest::addColumn<QString>("rows");
+    QTest::addColumn<QString>("query");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("duplicate within limit") << "a\nb\na"
+                                            << "duplicate 3" << 1;
+    QTest::newRow("duplicate past limit") << "a\nb\na"
+                                          << "duplicate 2" << 0;
+    QTest::newRow("blank rows removed") << ",\na,\n,\n,"
+                                        << "removeBlankRows" << 3;
+    QTest::newRow("blank cells") << ",\na,\n,b"
+                                 << "countBlankCells" << 4;
+    QTest::newRow("empty text always found") << ""
+                                             << "contains" << 1;
+    QTest::newRow("case-insensitive find") << "aBc,d"
+                                           << "contains bC" << 1;
+    QTest::newRow("columns equal") << "a,a\nb,b"
+                                   << "columnsEqual 1" << 1;
+    QTest::newRow("column out of range") << "a,a\nb,b"
+                                         << "columnsEqual 2" << 0;
+    QTest::newRow("rows equal") << "a,b\na,b"
+                                << "rowsEqual 1" << 1;
+    QTest::newRow("row out of range") << "a,b\na,b"
+                                      << "rowsEqual 2" << 0;
+    QTest::newRow("no rows added without columns") << ""
+                                                   << "setRowCount" << 0;
+}
+
+void TestDataset::queries()
+{
+    QFETCH(QString, rows);
+    QFETCH(QString, query);
+    QFETCH(int, expected);
+    Dataset dataset = toDataset(rows);
+    const QStringList words = query.split(QLatin1Char(' '));
+    const QString &name = words.at(0);
+    const int argument = words.value(1).toInt();
+    int result = -1;
+    if (name == QLatin1String("duplicate"))
+        result = dataset.columnHasDuplicate(0, argument);
+    else if (name == QLatin1String("removeBlankRows"))
+        result = dataset.removeBlankRows();
+    else if (name == QLatin1String("countBlankCells"))
+        result = dataset.countBlankCells();
+    else if (name == QLatin1String("contains"))
+        result = dataset.anyCellContains(words.value(1), Qt::CaseInsensitive);
+    else if (name == QLatin1String("columnsEqual"))
+        result = Dataset::columnsEqual(&dataset, 0, &dataset, argument)
+            && !Dataset::columnsEqual(nullptr, 0, &dataset, 0);
+    else if (name == QLatin1String("rowsEqual"))
+        result = Dataset::rowsEqual(&dataset, 0, &dataset, argument);
+    else if (name == QLatin1String("setRowCount")) {
+        dataset.setRowCount(4);
+        result = dataset.rowCount();
+    }
+    QCOMPARE(result, expected);
 }
 
 QTEST_APPLESS_MAIN(TestDataset)
