@@ -8,6 +8,9 @@ example="examples/sales/clean-and-merge.tflow"
 
 if [ ! -f "$example" ]; then
     # No example flow yet: the program says what it is.
+    if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
+        export QT_QPA_PLATFORM=${QT_QPA_PLATFORM:-offscreen}
+    fi
     exec "$exe"
 fi
 
