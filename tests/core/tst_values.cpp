@@ -14,6 +14,7 @@ private slots:
     void initTestCase();
     void toNumber_data();
     void toNumber();
+    void toNumberAgreesWithQLocale();
     void toBool_data();
     void toBool();
     void dateAndTime_data();
@@ -78,6 +79,31 @@ void TestValues::toNumber()
         : ::toNumber(text, emptyIsZero, ignoreCurrency, &actualOk, QLocale(locale));
     QTEST(number, "expected");
     QCOMPARE(actualOk, ok);
+}
+
+// Plain decimals are read without QLocale; the result must still be QLocale's to the bit.
+void TestValues::toNumberAgreesWithQLocale()
+{
+    const QString alphabet = QStringLiteral("0123456789.-+,e ");
+    QRandomGenerator random(5);
+    int valid = 0;
+    for (const QLocale &locale : {QLocale(), QLocale(QLocale::German, QLocale::Germany)}) {
+        for (int i = 0; i < 20000; ++i) {
+            QString text;
+            // Mostly digits with a point or a sign here and there, sometimes anything.
+            for (int length = random.bounded(1, 20); length > 0; --length)
+                text += alphabet.at(random.bounded(random.bounded(8) ? 10 : i % 2 ? 12 : alphabet.size()));
+            bool ok = false;
+            bool expectedOk = false;
+            const double number = ::toNumber(text, false, false, &ok, locale);
+            const double expected = locale.toDouble(text, &expectedOk);
+            QCOMPARE(ok, expectedOk);
+            valid += ok;
+            if (ok)
+                QVERIFY2(
+                    number == expected && std::signbit(number) == std::signbit(expected), qPrintable(text));
+        }
+    }
 }
 
 void TestValues::toBool_data()
