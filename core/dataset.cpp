@@ -801,6 +801,7 @@ void Dataset::clear()
     m_columnIndexStale = false;
     releaseValuePools();
     m_cellRowLinks.clear();
+    // Through clearVerifyMarks, so columnDatasetRuleCounts outlives a clear() as well.
     clearVerifyMarks();
 }
 
