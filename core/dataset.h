@@ -132,12 +132,12 @@ inline uint qHash(DataCellIndex cell, uint seed = 0)
     return ::qHash(QPair<int, int>(cell.row.toInt(), cell.column.toInt()), seed);
 }
 
-// Severity of a failed verification; higher is worse. VerifyFailNone is what a cell
-// without any failure reports.
+// Severity of a failed verification. Among 0 to 2 a higher number is worse; a Stop halts
+// the flow. VerifyFailNone is never stored: it is what an unmarked place reports.
 enum OnVerifyFail : int {
-    VerifyFailInformation = 0,
-    VerifyFailWarning = 1,
-    VerifyFailError = 2,
+    VerifyFailWarning = 0,
+    VerifyFailError = 1,
+    VerifyFailStop = 2,
     VerifyFailNone = 3,
 };
 using VerifyDatasetRuleId = int;

@@ -402,18 +402,18 @@ void TestDataset::verifyMarks()
 {
     Dataset dataset = toDataset("a,b\nc,d\ne,f");
     QCOMPARE(dataset.verifyFail(0, 0), VerifyFailNone);
-    dataset.addColumnRuleFail(1, 0, 7, VerifyFailError);
-    dataset.addColumnRuleFail(1, 0, 8, VerifyFailWarning); // never lowers
-    dataset.addCellFail(2, 1, VerifyFailInformation);
-    dataset.addRowDatasetRuleFail(2, 3, VerifyFailWarning);
-    dataset.addColumnDatasetRuleFail(1, 4, VerifyFailWarning);
-    dataset.addColumnColumnRuleFail(1, 5, VerifyFailError);
-    QCOMPARE(dataset.verifyFail(1, 0), VerifyFailError);
-    QCOMPARE(dataset.verifyFail(1, -1), VerifyFailError);
-    QCOMPARE(dataset.verifyFail(-1, 0), VerifyFailError);
-    QCOMPARE(dataset.verifyFail(2, 1), VerifyFailInformation);
-    QCOMPARE(dataset.verifyFail(2, -1), VerifyFailWarning);
-    QCOMPARE(dataset.verifyFail(-1, 1), VerifyFailError);
+    dataset.addColumnRuleFail(1, 0, 7, VerifyFailStop);
+    dataset.addColumnRuleFail(1, 0, 8, VerifyFailError); // never lowers
+    dataset.addCellFail(2, 1, VerifyFailWarning);
+    dataset.addRowDatasetRuleFail(2, 3, VerifyFailError);
+    dataset.addColumnDatasetRuleFail(1, 4, VerifyFailError);
+    dataset.addColumnColumnRuleFail(1, 5, VerifyFailStop);
+    QCOMPARE(dataset.verifyFail(1, 0), VerifyFailStop);
+    QCOMPARE(dataset.verifyFail(1, -1), VerifyFailStop);
+    QCOMPARE(dataset.verifyFail(-1, 0), VerifyFailStop);
+    QCOMPARE(dataset.verifyFail(2, 1), VerifyFailWarning);
+    QCOMPARE(dataset.verifyFail(2, -1), VerifyFailError);
+    QCOMPARE(dataset.verifyFail(-1, 1), VerifyFailStop);
     QCOMPARE(dataset.cellColumnRules(1, 0), (QList<VerifyColumnRuleId> {7, 8}));
     QCOMPARE(dataset.rowColumnRuleCounts().value(1).value(8), 1);
     QCOMPARE(dataset.columnColumnRuleCounts().value(1).value(5), 1);
@@ -422,8 +422,8 @@ void TestDataset::verifyMarks()
     dataset.addCellRowLinks(0, 0, {4, 5});
     dataset.sortRows(0, Qt::DescendingOrder);
     QCOMPARE(toText(dataset), QString("e,f\nc,d\na,b"));
-    QCOMPARE(dataset.verifyFail(0, 1), VerifyFailInformation);
-    QCOMPARE(dataset.verifyFail(0, -1), VerifyFailWarning);
+    QCOMPARE(dataset.verifyFail(0, 1), VerifyFailWarning);
+    QCOMPARE(dataset.verifyFail(0, -1), VerifyFailError);
     QCOMPARE(dataset.rowDatasetRuleCounts().value(0).value(3), 1);
     QCOMPARE(dataset.cellRowLinks(2, 0), (QList<DataRowIndex> {4, 5}));
     QCOMPARE(dataset.cellColumnRules(1, 0), (QList<VerifyColumnRuleId> {7, 8}));
