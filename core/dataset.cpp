@@ -1,5 +1,7 @@
 #include "core/dataset.h"
 
+#include "core/values.h"
+
 #include <QCoreApplication>
 
 namespace {
@@ -14,15 +16,6 @@ const QString &sharedEmptyString()
 }
 
 // Cuts a value for a tool tip: the first maxChars - 1 characters and "…".
-QString elideForSummary(const QString &text, int maxChars)
-{
-    if (maxChars < 0 || text.size() <= maxChars)
-        return text;
-    if (maxChars <= 1)
-        return text.left(maxChars);
-    return text.left(maxChars - 1) + QChar(0x2026);
-}
-
 QString quotedForTabs(const QString &text)
 {
     for (const QChar c : text) {
@@ -883,7 +876,7 @@ QStringList Dataset::columnSummaries(int maxValues, int maxChars) const
     for (int c = 0; c < m_columnCount; ++c) {
         QStringList values;
         for (int r = 0; r < shown; ++r)
-            values.append(elideForSummary(m_rows.at(r).at(c), maxChars));
+            values.append(elideText(m_rows.at(r).at(c), maxChars, true));
         if (m_rows.size() > shown)
             values.append(ellipsis);
         if (values.isEmpty())
