@@ -172,8 +172,9 @@ bool matches(int op, const QString &value, const QString &term, bool caseSensiti
     case OperatorNotEqual:
     case OperatorNotStartsWith:
     case OperatorNotEndsWith:
-    case OperatorNotMatchesRegex:
         return !matches(op - OperatorNotContains, value, term, caseSensitive);
+    case OperatorNotMatchesRegex:
+        return !regexFound(value, term, caseSensitive);
     case OperatorFuzzy90:
     case OperatorFuzzy80:
     case OperatorFuzzy70:

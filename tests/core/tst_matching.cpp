@@ -69,6 +69,8 @@ void TestMatching::matches_data()
     addMatch("regex, case sensitive", 8, "ABC", "abc", true, false);
     addMatch("invalid regex", 8, "(", "(", true, false);
     addMatch("invalid regex negated", 13, "(", "(", true, true);
+    addMatch("doesn't match regex, found", 13, "abc123", "\\d+", true, false);
+    addMatch("doesn't match regex, absent", 13, "9", "[a-z]", true, true);
     addMatch("fuzzy folds case", 14, "ABC", "abc", false, true);
     addMatch("fuzzy, case sensitive", 14, "ABC", "abc", true, false);
     addMatch("kitten 50%", 18, "kitten", "sitting", true, true);
