@@ -1,0 +1,23 @@
+list(APPEND TRANSFORM_SOURCES
+    transformbin.cpp transformbin.h
+    transformclone.cpp transformclone.h
+    transformcluster.cpp transformcluster.h
+    transformcorrelate.cpp transformcorrelate.h
+    transformcount.cpp transformcount.h
+    transformdiff.cpp transformdiff.h
+    transformhash.cpp transformhash.h
+    transformimpute.cpp transformimpute.h
+    transformngram.cpp transformngram.h
+    transformoutliers.cpp transformoutliers.h
+    transformpivot.cpp transformpivot.h
+    transformrandom.cpp transformrandom.h
+    transformstamp.cpp transformstamp.h
+    transformstats.cpp transformstats.h
+    transformsubstitute.cpp transformsubstitute.h
+    transformsummary.cpp transformsummary.h
+    transformtotal.cpp transformtotal.h
+    transformtranspose.cpp transformtranspose.h
+    transformunits.cpp transformunits.h
+    transformuuid.cpp transformuuid.h
+    transformverify.cpp transformverify.h
+)
