@@ -1,0 +1,24 @@
+#pragma once
+
+#include "transforms/transform.h"
+
+// Keeps or removes the rows that meet a list of conditions.
+class TransformFilter : public Transform
+{
+    Q_OBJECT
+public:
+    int type() const override { return 19; }
+    QString id() const override { return QStringLiteral("Filter"); }
+    QString name() const override { return tr("Filter"); }
+    TransformCategory category() const override { return TransformCategory::Row; }
+    bool isAdvanced() const override { return false; }
+    bool isInPlace() const override { return false; }
+    bool keepsDrilldown() const override { return false; }
+    int minimumInputs() const override { return 1; }
+    int maximumInputs() const override { return 1; }
+    bool hasMinimumOptions() const override { return true; }
+    QString description() const override;
+    TABRELLE_TRANSFORM_CLONE(TransformFilter)
+    void createParameters(const QList<Node *> &inputs, bool useDefaults) override;
+    Dataset process(const QList<Node *> &inputs, bool &failed) override;
+};

@@ -1,0 +1,62 @@
+#include "transforms/transformintersect.h"
+
+#include "transforms/inputorder.h"
+#include "transforms/keyguess.h"
+
+QString TransformIntersect::description() const
+{
+    return tr("Keep the rows of the top dataset whose key value also occurs in the bottom dataset.");
+}
+
+QSet<QString> TransformIntersect::keywords() const
+{
+    QSet<QString> words = Transform::keywords();
+    words << QStringLiteral("semi") << QStringLiteral("join") << QStringLiteral("keys")
+          << QStringLiteral("common") << QStringLiteral("both") << QStringLiteral("in")
+          << QStringLiteral("matching") << QStringLiteral("whitelist");
+    return words;
+}
+
+void TransformIntersect::createParameters(const QList<Node *> &inputs, bool useDefaults)
+{
+    Transform::createParameters(inputs, useDefaults);
+
+    auto *topKey = new Parameter(
+        ParameterKind::Column, QStringLiteral("Column_1"), tr("Top key column"), inputs.value(0));
+    topKey->setTooltip(tr("Select a common (key) column in top input dataset."));
+    addParameter(topKey);
+
+    auto *bottomKey = new Parameter(
+        ParameterKind::Column, QStringLiteral("Column_2"), tr("Bottom key column"), inputs.value(1));
+    bottomKey->setTooltip(tr("Select a common (key) column in the bottom input data."));
+    addParameter(bottomKey);
+
+    auto *caseSensitive =
+        new Parameter(ParameterKind::Bool, QStringLiteral("Case_Sensitive"), tr("case sensitive"), true);
+    applyDefault(useDefaults, caseSensitive);
+    caseSensitive->setTooltip(tr("Check for case sensitive matching of keys."));
+    addParameter(caseSensitive);
+
+    auto *report =
+        new Parameter(ParameterKind::Bool, QStringLiteral("Detailed_Report"), tr("detailed report"), false);
+    applyDefault(useDefaults, report);
+    report->setTooltip(
+        tr("Report on duplicate keys in each dataset, overlap of keys in both datasets and leading "
+           "and trailing whitespace in keys. This slows down the transform."));
+    addParameter(report);
+
+    if (inputs.size() >= 2)
+        guessKeyColumns(topKey, bottomKey, false);
+}
+
+bool TransformIntersect::reorderInputs(QList<Node *> &inputs)
+{
+    return swapInputsByPosition(
+        inputs, parameter(QStringLiteral("Column_1")), parameter(QStringLiteral("Column_2")));
+}
+
+Dataset TransformIntersect::process(const QList<Node *> &inputs, bool &failed)
+{
+    Q_UNUSED(failed)
+    return notAvailableYet(inputs);
+}
