@@ -2,6 +2,8 @@
 
 #include "transforms/verifyrules.h"
 
+#include <algorithm>
+
 void TransformVerify::createParameters(const QList<Node *> &inputs, bool useDefaults)
 {
     Transform::createParameters(inputs, useDefaults);
