@@ -1,0 +1,2 @@
+tabrelle_add_test(tst_transform SOURCES tst_transform.cpp LIBS tabrelle_transforms)
+tabrelle_add_test(tst_keyguess SOURCES tst_keyguess.cpp LIBS tabrelle_transforms)
