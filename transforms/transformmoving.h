@@ -1,0 +1,25 @@
+#pragma once
+
+#include "transforms/transform.h"
+
+// Adds a column with a statistic over a moving window of rows.
+class TransformMoving : public Transform
+{
+    Q_OBJECT
+public:
+    int type() const override { return 31; }
+    QString id() const override { return QStringLiteral("Moving"); }
+    QString name() const override { return tr("Moving"); }
+    TransformCategory category() const override { return TransformCategory::Column; }
+    bool isAdvanced() const override { return true; }
+    bool isInPlace() const override { return false; }
+    bool keepsDrilldown() const override { return false; }
+    int minimumInputs() const override { return 1; }
+    int maximumInputs() const override { return 1; }
+    bool hasMinimumOptions() const override { return false; }
+    QString description() const override;
+    QSet<QString> keywords() const override;
+    TABRELLE_TRANSFORM_CLONE(TransformMoving)
+    void createParameters(const QList<Node *> &inputs, bool useDefaults) override;
+    Dataset process(const QList<Node *> &inputs, bool &failed) override;
+};
