@@ -1,10 +1,12 @@
-# The column transforms.
+# The column transforms, with Calculate and Javascript.
 list(APPEND TRANSFORM_SOURCES
+    transformcalculate.cpp transformcalculate.h
     transformcompare.cpp transformcompare.h
     transformconcat.cpp transformconcat.h
     transformcopy.cpp transformcopy.h
     transformgather.cpp transformgather.h
     transformif.cpp transformif.h
+    transformjavascript.cpp transformjavascript.h
     transformmoving.cpp transformmoving.h
     transformnewcol.cpp transformnewcol.h
     transformoffset.cpp transformoffset.h
