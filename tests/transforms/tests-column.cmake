@@ -1,0 +1,1 @@
+tabrelle_add_test(tst_columnoptions SOURCES tst_columnoptions.cpp LIBS tabrelle_transforms)
