@@ -4,12 +4,15 @@
 #include "app/commandline.h"
 #include "app/console.h"
 #include "app/headlessrun.h"
+#include "app/transformregistry.h"
 #include "core/dataset.h"
 #include "core/settings.h"
 #include "core/values.h"
 #include "flow/maxmemoryexception.h"
 #include "flow/nodefactory.h"
 #include "flow/notenode.h"
+#include "transforms/transform.h"
+#include "transforms/transformnode.h"
 
 #include <QDate>
 #include <QDebug>
@@ -77,12 +80,16 @@ Application::Application(int &argc, char **argv, bool cli)
     setAttribute(Qt::AA_DontShowIconsInMenus, true);
 
     m_settings = Settings::openFor(m_applicationDirectory, this);
+    Transform::setSettings(m_settings);
     applySettings();
+    m_transforms = createTransformPrototypes();
     registerItems();
 }
 
 Application::~Application()
 {
+    Transform::setSettings(nullptr);
+    qDeleteAll(m_transforms);
     delete m_outOfMemoryBox;
 }
 
@@ -101,6 +108,10 @@ void Application::applySettings()
 void Application::registerItems()
 {
     m_nodeFactory->registerCreator(QStringLiteral("Note"), [] { return new NoteNode; });
+    for (const Transform *prototype : qAsConst(m_transforms)) {
+        m_nodeFactory->registerCreator(QStringLiteral("Transform:%1").arg(prototype->id()),
+            [prototype] { return new TransformNode(prototype->clone()); });
+    }
 }
 
 int Application::run()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QApplication>
+#include <QList>
 
 #include <functional>
 #include <memory>
@@ -8,6 +9,7 @@
 class QMessageBox;
 class Settings;
 class NodeFactory;
+class Transform;
 
 // The process: settings, the registries of items, and the last-resort handlers that
 // keep an exhausted memory or an escaped exception from losing the user's flow.
@@ -23,6 +25,9 @@ public:
     bool isCli() const { return m_cli; }
     Settings *settings() const { return m_settings; }
     NodeFactory &nodeFactory() { return *m_nodeFactory; }
+    // One prototype of every transform, in the order the transform pane lists them; a new
+    // item's transform is a clone of one.
+    const QList<Transform *> &transforms() const { return m_transforms; }
     // Where the portable settings file and relative start-up documents are looked for.
     QString applicationDirectory() const { return m_applicationDirectory; }
 
@@ -50,6 +55,7 @@ private:
     QString m_applicationDirectory;
     Settings *m_settings = nullptr;
     std::unique_ptr<NodeFactory> m_nodeFactory;
+    QList<Transform *> m_transforms;
     QMessageBox *m_outOfMemoryBox = nullptr;
     std::function<void()> m_resetNodes;
     std::function<void()> m_writeRecovery;

@@ -1,0 +1,157 @@
+#include "app/transformregistry.h"
+
+#include "transforms/transformbin.h"
+#include "transforms/transformcalculate.h"
+#include "transforms/transformcase.h"
+#include "transforms/transformchop.h"
+#include "transforms/transformclone.h"
+#include "transforms/transformcluster.h"
+#include "transforms/transformcompare.h"
+#include "transforms/transformconcat.h"
+#include "transforms/transformconcatrows.h"
+#include "transforms/transformcopy.h"
+#include "transforms/transformcorrelate.h"
+#include "transforms/transformcount.h"
+#include "transforms/transformcross.h"
+#include "transforms/transformdateformat.h"
+#include "transforms/transformdecode.h"
+#include "transforms/transformdedupe.h"
+#include "transforms/transformdiff.h"
+#include "transforms/transformextract.h"
+#include "transforms/transformfilldown.h"
+#include "transforms/transformfilter.h"
+#include "transforms/transformgather.h"
+#include "transforms/transformhash.h"
+#include "transforms/transformheader.h"
+#include "transforms/transformif.h"
+#include "transforms/transformimpute.h"
+#include "transforms/transforminsert.h"
+#include "transforms/transforminterpolate.h"
+#include "transforms/transformintersect.h"
+#include "transforms/transformjavascript.h"
+#include "transforms/transformjoin.h"
+#include "transforms/transformlookup.h"
+#include "transforms/transformmoving.h"
+#include "transforms/transformnewcol.h"
+#include "transforms/transformnewrows.h"
+#include "transforms/transformngram.h"
+#include "transforms/transformnumbase.h"
+#include "transforms/transformnumberformat.h"
+#include "transforms/transformoffset.h"
+#include "transforms/transformoutliers.h"
+#include "transforms/transformpad.h"
+#include "transforms/transformpivot.h"
+#include "transforms/transformpseudonym.h"
+#include "transforms/transformrandom.h"
+#include "transforms/transformremovecols.h"
+#include "transforms/transformrenamecols.h"
+#include "transforms/transformreorder.h"
+#include "transforms/transformreplacemulti.h"
+#include "transforms/transformreshape.h"
+#include "transforms/transformrownum.h"
+#include "transforms/transformsample.h"
+#include "transforms/transformscale.h"
+#include "transforms/transformsequence.h"
+#include "transforms/transformslice.h"
+#include "transforms/transformslide.h"
+#include "transforms/transformsort.h"
+#include "transforms/transformsplit.h"
+#include "transforms/transformsplitname.h"
+#include "transforms/transformsplitrows.h"
+#include "transforms/transformspread.h"
+#include "transforms/transformstack.h"
+#include "transforms/transformstamp.h"
+#include "transforms/transformstats.h"
+#include "transforms/transformsubstitute.h"
+#include "transforms/transformsubtract.h"
+#include "transforms/transformsummary.h"
+#include "transforms/transformtotal.h"
+#include "transforms/transformtranspose.h"
+#include "transforms/transformunfill.h"
+#include "transforms/transformunique.h"
+#include "transforms/transformunits.h"
+#include "transforms/transformuuid.h"
+#include "transforms/transformverify.h"
+#include "transforms/transformwhitespace.h"
+
+QList<Transform *> createTransformPrototypes()
+{
+    // Listed by class name, with Spread before Split, Stats before Stamp and Units before
+    // UUID: the document reader and the transform pane both follow this order.
+    QList<Transform *> prototypes;
+    prototypes.reserve(73);
+    prototypes.append(new TransformBin);
+    prototypes.append(new TransformCalculate);
+    prototypes.append(new TransformCase);
+    prototypes.append(new TransformChop);
+    prototypes.append(new TransformClone);
+    prototypes.append(new TransformCluster);
+    prototypes.append(new TransformCompare);
+    prototypes.append(new TransformConcat);
+    prototypes.append(new TransformConcatRows);
+    prototypes.append(new TransformCopy);
+    prototypes.append(new TransformCorrelate);
+    prototypes.append(new TransformCount);
+    prototypes.append(new TransformCross);
+    prototypes.append(new TransformDateFormat);
+    prototypes.append(new TransformDecode);
+    prototypes.append(new TransformDedupe);
+    prototypes.append(new TransformDiff);
+    prototypes.append(new TransformExtract);
+    prototypes.append(new TransformFillDown);
+    prototypes.append(new TransformFilter);
+    prototypes.append(new TransformGather);
+    prototypes.append(new TransformHash);
+    prototypes.append(new TransformHeader);
+    prototypes.append(new TransformIf);
+    prototypes.append(new TransformImpute);
+    prototypes.append(new TransformInsert);
+    prototypes.append(new TransformIntersect);
+    prototypes.append(new TransformInterpolate);
+    prototypes.append(new TransformJavascript);
+    prototypes.append(new TransformJoin);
+    prototypes.append(new TransformLookup);
+    prototypes.append(new TransformMoving);
+    prototypes.append(new TransformNewCol);
+    prototypes.append(new TransformNewRows);
+    prototypes.append(new TransformNgram);
+    prototypes.append(new TransformNumBase);
+    prototypes.append(new TransformNumberFormat);
+    prototypes.append(new TransformOffset);
+    prototypes.append(new TransformOutliers);
+    prototypes.append(new TransformPad);
+    prototypes.append(new TransformPivot);
+    prototypes.append(new TransformPseudonym);
+    prototypes.append(new TransformRandom);
+    prototypes.append(new TransformRemoveCols);
+    prototypes.append(new TransformRenameCols);
+    prototypes.append(new TransformReorder);
+    prototypes.append(new TransformReplaceMulti);
+    prototypes.append(new TransformReshape);
+    prototypes.append(new TransformRowNum);
+    prototypes.append(new TransformSample);
+    prototypes.append(new TransformScale);
+    prototypes.append(new TransformSequence);
+    prototypes.append(new TransformSlice);
+    prototypes.append(new TransformSlide);
+    prototypes.append(new TransformSort);
+    prototypes.append(new TransformSpread);
+    prototypes.append(new TransformSplit);
+    prototypes.append(new TransformSplitName);
+    prototypes.append(new TransformSplitRows);
+    prototypes.append(new TransformStack);
+    prototypes.append(new TransformStats);
+    prototypes.append(new TransformStamp);
+    prototypes.append(new TransformSubstitute);
+    prototypes.append(new TransformSubtract);
+    prototypes.append(new TransformSummary);
+    prototypes.append(new TransformTotal);
+    prototypes.append(new TransformTranspose);
+    prototypes.append(new TransformUnfill);
+    prototypes.append(new TransformUnique);
+    prototypes.append(new TransformUnits);
+    prototypes.append(new TransformUUID);
+    prototypes.append(new TransformVerify);
+    prototypes.append(new TransformWhitespace);
+    return prototypes;
+}
