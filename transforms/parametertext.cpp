@@ -366,8 +366,8 @@ QString Parameter::toText() const
         if (!dataset)
             break;
         const RenameColumnsValue names = m_value.value<RenameColumnsValue>();
-        for (ColumnId id : dataset->columnIds()) {
-            const auto name = names.constFind(id);
+        for (int c = 0; c < dataset->columnCount(); ++c) {
+            const auto name = names.constFind(dataset->columnId(c));
             items << (name == names.constEnd() ? QString(NoRename) : encodeItem(*name));
         }
         break;
@@ -383,8 +383,8 @@ QString Parameter::toText() const
         if (!dataset)
             break;
         const UniqueColumnsValue options = m_value.value<UniqueColumnsValue>();
-        for (ColumnId id : dataset->columnIds())
-            items << QString::number(options.value(id, UniqueFirst));
+        for (int c = 0; c < dataset->columnCount(); ++c)
+            items << QString::number(options.value(dataset->columnId(c), UniqueFirst));
         break;
     }
     case ParameterKind::ReplaceTerms:
@@ -516,10 +516,10 @@ void Parameter::fromText(const QString &text, int version)
         const QStringList items = splitItems(text);
         RenameColumnsValue names;
         if (dataset) {
-            const QList<ColumnId> &ids = dataset->columnIds();
-            for (int i = 0; i < qMin(items.size(), ids.size()); ++i) {
-                if (items.at(i) != NoRename && !ids.at(i).isUnset())
-                    names.insert(ids.at(i), decodeItem(items.at(i)));
+            for (int c = 0; c < qMin(items.size(), dataset->columnCount()); ++c) {
+                const ColumnId id = dataset->columnId(c);
+                if (items.at(c) != NoRename && !id.isUnset())
+                    names.insert(id, decodeItem(items.at(c)));
             }
         }
         m_value = QVariant::fromValue(names);
@@ -550,11 +550,11 @@ void Parameter::fromText(const QString &text, int version)
         const QStringList items = splitItems(text);
         UniqueColumnsValue options;
         if (dataset) {
-            const QList<ColumnId> &ids = dataset->columnIds();
-            for (int i = 0; i < qMin(items.size(), ids.size()); ++i) {
+            for (int c = 0; c < qMin(items.size(), dataset->columnCount()); ++c) {
+                const ColumnId id = dataset->columnId(c);
                 int option = 0;
-                if (!ids.at(i).isUnset() && readInt(items.at(i), &option))
-                    options.insert(ids.at(i), option);
+                if (!id.isUnset() && readInt(items.at(c), &option))
+                    options.insert(id, option);
             }
         }
         m_value = QVariant::fromValue(options);
