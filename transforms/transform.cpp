@@ -163,7 +163,10 @@ void Transform::setUpstream(const QList<Node *> &nodes)
             continue;
         }
         Node *node = maximumInputs() < 2 ? remaining.first() : remaining.takeFirst();
-        parameter->setUpstream(node, node != parameter->upstream());
+        // Values chosen on another dataset are emptied; an option that was disconnected
+        // keeps its value, so that inserting an item into a connection loses nothing.
+        Node *previous = parameter->upstream();
+        parameter->setUpstream(node, previous && previous != node);
     }
 }
 

@@ -27,7 +27,7 @@ public:
 };
 
 // A transform whose name, category, input counts and options a test chooses. Options
-// are written "Kind:Name" with kinds Text, Int, Column, Columns and Bool; a Text is
+// are written "Kind:Name" with kinds Text, Int, Column, Columns, Filter and Bool; a Text is
 // created empty, so it is unset, and its label is its name.
 class TestTransform : public Transform
 {
@@ -66,6 +66,8 @@ public:
                 parameter = new Parameter(ParameterKind::Column, name, name, nullptr);
             else if (kind == QLatin1String("Columns"))
                 parameter = new Parameter(ParameterKind::Columns, name, name, nullptr);
+            else if (kind == QLatin1String("Filter"))
+                parameter = new Parameter(ParameterKind::FilterColumns, name, name, nullptr);
             else
                 parameter = new Parameter(ParameterKind::Text, name, name, QString());
             applyDefault(useDefaults, parameter);
@@ -114,6 +116,8 @@ private slots:
     void reportRowProgress();
     void setUpstream_data();
     void setUpstream();
+    void setUpstreamKeepsValues_data();
+    void setUpstreamKeepsValues();
     void applyDefault_data();
     void applyDefault();
     void rewriteColumns_data();
@@ -377,6 +381,38 @@ void TestTransformBase::setUpstream()
         list << (name == QLatin1String("a") ? &a : &b);
     transform.setUpstream(list);
     QTEST(upstreamNames(transform), "expected");
+}
+
+void TestTransformBase::setUpstreamKeepsValues_data()
+{
+    QTest::addColumn<QString>("steps"); // nodes given in turn, "-" for none
+    QTest::addColumn<int>("conditions");
+    QTest::newRow("same node keeps the conditions") << "a a" << 1;
+    QTest::newRow("another node empties them") << "a b" << 0;
+    QTest::newRow("disconnected keeps them") << "a -" << 1;
+    QTest::newRow("reconnected after a disconnection keeps them") << "a - b" << 1;
+}
+
+void TestTransformBase::setUpstreamKeepsValues()
+{
+    QFETCH(QString, steps);
+    DataNode a(QStringLiteral("a"));
+    DataNode b(QStringLiteral("b"));
+    TestTransform transform;
+    transform.addOptions({"Filter:Rows"});
+    Parameter *rows = transform.parameter(QStringLiteral("Rows"));
+    FilterColumnsValue value;
+    value.conditions << Condition {false, ColumnId(1, 1), 0, QStringLiteral("x")};
+    const QStringList nodes = steps.split(QLatin1Char(' '));
+    transform.setUpstream({&a});
+    rows->setValue(QVariant::fromValue(value));
+    for (const QString &node : nodes.mid(1)) {
+        if (node == QLatin1String("-"))
+            transform.setUpstream({});
+        else
+            transform.setUpstream({node == QLatin1String("a") ? &a : &b});
+    }
+    QTEST(int(rows->filterColumns().conditions.size()), "conditions");
 }
 
 void TestTransformBase::applyDefault_data()
