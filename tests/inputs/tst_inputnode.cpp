@@ -5,6 +5,17 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
+namespace {
+
+// One row of a data table on one line: row("name", value, value, ...).
+template<typename... Values>
+void row(const char *name, Values... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
+} // namespace
+
 class TestInputNode : public QObject
 {
     Q_OBJECT
@@ -14,8 +25,6 @@ private slots:
     void guessTextFormat();
     void extensionMismatch_data();
     void extensionMismatch();
-    void names_data();
-    void names();
 };
 
 void TestInputNode::initTestCase()
@@ -31,26 +40,28 @@ void TestInputNode::guessTextFormat_data()
     QTest::addColumn<int>("format");
 
     const QString padding(120, QLatin1Char('x'));
-    QTest::newRow("xml") << "  <a><b>1</b></a>\n" << int(IONode::Xml);
-    QTest::newRow("json object") << "{\"a\": 1}" << int(IONode::Json);
-    QTest::newRow("json array") << "[1, 2]" << int(IONode::Json);
-    QTest::newRow("bracket mismatch is no json") << "[1, 2}" << int(IONode::DelimitedText);
-    QTest::newRow("vcard") << "BEGIN:VCARD\nFN:A\nEND:VCARD" << int(IONode::VCard);
-    QTest::newRow("vcard is case-sensitive") << "begin:vcard\nEND:VCARD" << int(IONode::DelimitedText);
-    QTest::newRow("short text is delimited") << "just some words" << int(IONode::DelimitedText);
-    QTest::newRow("100 characters is short") << QString(100, QLatin1Char('x')) << int(IONode::DelimitedText);
-    QTest::newRow("long text without delimiters") << padding << int(IONode::PlainText);
+    row("xml", "  <a><b>1</b></a>\n", int(IONode::Xml));
+    row("json object", "{\"a\": 1}", int(IONode::Json));
+    row("json array", "[1, 2]", int(IONode::Json));
+    row("bracket mismatch is no json", "[1, 2}", int(IONode::DelimitedText));
+    row("vcard", "BEGIN:VCARD\nFN:A\nEND:VCARD", int(IONode::VCard));
+    row("vcard is case-sensitive", "begin:vcard\nEND:VCARD", int(IONode::DelimitedText));
+    row("short text is delimited", "just some words", int(IONode::DelimitedText));
+    row("100 characters is short", QString(100, QLatin1Char('x')), int(IONode::DelimitedText));
+    row("long text without delimiters", padding, int(IONode::PlainText));
     // 3 commas in 123 characters is 0.024 of the text, 4 in 124 is 0.032.
-    QTest::newRow("below 0.025 delimiters") << padding + ",,," << int(IONode::PlainText);
-    QTest::newRow("at 0.025 delimiters") << padding + ",,,," << int(IONode::DelimitedText);
-    QTest::newRow("tabs count as delimiters")
-        << padding.left(60) + "\t\t\t\t" + padding.mid(60) << int(IONode::DelimitedText);
-    QTest::newRow("space runs make fixed width")
-        << QString("name   age   town\nann    31    york\nbob    42    bath\n").repeated(3)
-        << int(IONode::FixedWidth);
-    QTest::newRow("one space run is not enough") << padding + "   " << int(IONode::PlainText);
-    QTest::newRow("delimiters outweigh spaces")
-        << QString("a,b,c,d,e,f,g,h,i,j   k\n").repeated(6) << int(IONode::DelimitedText);
+    row("below 0.025 delimiters", padding + ",,,", int(IONode::PlainText));
+    row("at 0.025 delimiters", padding + ",,,,", int(IONode::DelimitedText));
+    row("tabs count as delimiters", padding.left(60) + "\t\t\t\t" + padding.mid(60),
+        int(IONode::DelimitedText));
+    row("space runs make fixed width",
+        QString("name   age   town\nann    31    york\nbob    42    bath\n").repeated(3),
+        int(IONode::FixedWidth));
+    row("one space run is not enough", padding.left(60) + "   " + padding.mid(60), int(IONode::PlainText));
+    row("two space runs are", padding.left(40) + "   " + padding.mid(40, 40) + "   " + padding.mid(80),
+        int(IONode::FixedWidth));
+    row("delimiters outweigh spaces", QString("a,b,c,d,e,f,g,h,i,j   k\n").repeated(6),
+        int(IONode::DelimitedText));
 }
 
 void TestInputNode::guessTextFormat()
@@ -66,14 +77,14 @@ void TestInputNode::extensionMismatch_data()
     QTest::addColumn<int>("format");
     QTest::addColumn<QString>("warning"); // %1 the native absolute path
 
-    QTest::newRow("csv read as fixed width")
-        << "a.csv" << int(IONode::FixedWidth) << "File '%1' extension may not match data type: Fixed width";
-    QTest::newRow("log read as plain text") << "a.log" << int(IONode::PlainText) << "";
-    QTest::newRow("txt read as delimited") << "a.txt" << int(IONode::DelimitedText)
-                                           << "File '%1' extension may not match data type: Delimited text";
-    QTest::newRow("tsv read as delimited") << "a.TSV" << int(IONode::DelimitedText) << "";
-    QTest::newRow("unknown extension") << "a.dat" << int(IONode::Json) << "";
-    QTest::newRow("no format: the extension decides") << "a.json" << int(IONode::NoFileType) << "";
+    row("csv read as fixed width", "a.csv", int(IONode::FixedWidth),
+        "File '%1' extension may not match data type: Fixed width");
+    row("log read as plain text", "a.log", int(IONode::PlainText), "");
+    row("txt read as delimited", "a.txt", int(IONode::DelimitedText),
+        "File '%1' extension may not match data type: Delimited text");
+    row("tsv read as delimited", "a.TSV", int(IONode::DelimitedText), "");
+    row("unknown extension", "a.dat", int(IONode::Json), "");
+    row("no format: the extension decides", "a.json", int(IONode::NoFileType), "");
 }
 
 void TestInputNode::extensionMismatch()
@@ -91,42 +102,6 @@ void TestInputNode::extensionMismatch()
     QCOMPARE(node.status(), int(Node::UpToDate));
     const QString expected = warning.isEmpty() ? QString() : warning.arg(QDir::toNativeSeparators(path));
     QCOMPARE(node.warnings().join(QLatin1Char('|')), expected);
-}
-
-void TestInputNode::names_data()
-{
-    QTest::addColumn<int>("medium");
-    QTest::addColumn<QString>("path");
-    QTest::addColumn<int>("format");
-    QTest::addColumn<QString>("sheet");
-    QTest::addColumn<QString>("name");
-
-    QTest::newRow("file") << int(IONode::File) << "/data/sales.csv" << int(IONode::DelimitedText) << ""
-                          << "sales.csv";
-    QTest::newRow("excel sheet") << int(IONode::File) << "/data/book.xlsx" << int(IONode::ExcelXlsx) << "Q1"
-                                 << "book.xlsx[Q1]";
-    QTest::newRow("sheet of a text file is ignored")
-        << int(IONode::File) << "/data/a.csv" << int(IONode::DelimitedText) << "Q1"
-        << "a.csv";
-    QTest::newRow("no file") << int(IONode::File) << "" << int(IONode::DelimitedText) << ""
-                             << "<unset>";
-    QTest::newRow("pasted") << int(IONode::Clipboard) << "" << int(IONode::DelimitedText) << ""
-                            << "Clipboard";
-}
-
-void TestInputNode::names()
-{
-    QFETCH(int, medium);
-    QFETCH(QString, path);
-    QFETCH(int, format);
-    QFETCH(QString, sheet);
-    QFETCH(QString, name);
-    InputNode node;
-    node.setMedium(medium);
-    node.setPath(path);
-    node.setFileType(format);
-    node.setWorksheet(sheet);
-    QCOMPARE(node.name(), name);
 }
 
 QTEST_MAIN(TestInputNode)
