@@ -73,9 +73,24 @@ void TransformNode::sceneAdded(GraphScene *scene)
     });
 }
 
+QList<Node *> TransformNode::inputs() const
+{
+    const QList<Node *> connected = upstream(false);
+    QList<Node *> result;
+    for (const QPointer<Node> &node : m_inputOrder) {
+        if (node && connected.contains(node))
+            result << node;
+    }
+    for (Node *node : connected) {
+        if (!result.contains(node))
+            result << node;
+    }
+    return result;
+}
+
 void TransformNode::updateUpstream()
 {
-    m_transform->setUpstream(upstream(false));
+    m_transform->setUpstream(inputs());
     emit nodeParametersChanged(this);
 }
 
@@ -106,10 +121,14 @@ void TransformNode::process(bool recursive, bool freeMemory)
         setStatus(Updating, false);
         emit processingStart(this);
         applyPending();
-        QList<Node *> inputs = upstream(false);
         // The top input of a merge is the higher item on the canvas, whatever the order
-        // in which the connections were made.
+        // in which the connections were made. The order is kept, so that the next run
+        // starts from the order the options now follow.
+        QList<Node *> inputs = this->inputs();
         m_transform->reorderInputs(inputs);
+        m_inputOrder.clear();
+        for (Node *node : qAsConst(inputs))
+            m_inputOrder << node;
         QElapsedTimer timer;
         timer.start();
         GraphScene::reportProgress(this, 0);

@@ -2,6 +2,8 @@
 
 #include "flow/node.h"
 
+#include <QPointer>
+
 class Parameter;
 class Transform;
 
@@ -37,6 +39,10 @@ public:
     // Parses the options still waiting for their upstream columns, where those are known.
     virtual void applyPending();
 
+    // The upstream items in the order the transform last put them (a merge puts its top
+    // input first by canvas position), then any connected since, in connection order.
+    QList<Node *> inputs() const;
+
     // Ready when no direct upstream item needs updating or failed.
     bool isReady() const;
     void process(bool recursive, bool freeMemory) override;
@@ -52,4 +58,5 @@ private:
 
     Transform *m_transform;
     bool m_parametersCreated = false;
+    QList<QPointer<Node>> m_inputOrder;
 };

@@ -6,6 +6,7 @@
 #include "flow/maxmemoryexception.h"
 #include "inputs/inputnode.h"
 #include "outputs/outputnode.h"
+#include "transforms/inputorder.h"
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
 
@@ -50,9 +51,24 @@ public:
     void createParameters(const QList<Node *> &inputs, bool useDefaults) override
     {
         Transform::createParameters(inputs, useDefaults);
+        if (m_kind == Join) {
+            for (int i = 0; i < 2; ++i) {
+                auto *key = new Parameter(ParameterKind::Column, QStringLiteral("Column_%1").arg(i + 1),
+                    QStringLiteral("Key"), inputs.value(i));
+                key->setColumnRequired(false);
+                addParameter(key);
+            }
+        }
         if (m_kind == Pick)
             addParameter(new Parameter(
                 ParameterKind::Column, QStringLiteral("Column"), QStringLiteral("Column"), inputs.value(0)));
+    }
+
+    bool reorderInputs(QList<Node *> &inputs) override
+    {
+        return m_kind == Join
+            && swapInputsByPosition(
+                inputs, parameter(QStringLiteral("Column_1")), parameter(QStringLiteral("Column_2")));
     }
 
     Dataset process(const QList<Node *> &inputs, bool &failed) override
@@ -299,6 +315,8 @@ void TestRun::run_data()
     add("roots to ends", chain, "everything", "a,b,c,o", "a=2 b=2 c=2 o=2", "o=a,1");
     add("join waits for its second input", "a:in x:pass b:in j:join o:out | a>x x>j b>j j>o", "everything",
         "a,x,b,j,o", "a=2 b=2 j=2 o=2 x=2", "o=a,1\nb,1");
+    add("merge inputs by canvas position, again on the next run", "b:in a:in j:join o:out | a>j b>j j>o",
+        "everything everything", "b,a,j,o", "a=2 b=2 j=2 o=2", "o=b,1\na,1");
     add("roots in canvas order", "b:in a:in s:stack | a>s b>s", "everything", "b,a,s", "a=2 b=2 s=2");
     add("error holds back its branch only", "a:in f:fail g:pass b:pass o:out | a>f f>g a>b b>o", "everything",
         "a,f,b,o", "a=2 b=2 f=3 g=0 o=2", "o=a,1");
