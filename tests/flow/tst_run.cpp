@@ -142,7 +142,7 @@ QHash<QString, QString> s_written;
 class Flow
 {
 public:
-    explicit Flow(const QString &spec)
+    explicit Flow(const QString &text)
         : settings(dir.filePath(QStringLiteral("tabrelle.ini")))
     {
         settings.setValue(QStringLiteral("input_blocked_extensions"), QStringList {QStringLiteral("bad")});
@@ -152,7 +152,7 @@ public:
                 order << text.section(QLatin1Char('\''), 1, 1);
         });
         QObject::connect(&scene, &GraphScene::logMessage, [this](const QString &text) { log << text; });
-        const QStringList parts = spec.split(QLatin1Char('|'));
+        const QStringList parts = text.split(QLatin1Char('|'));
         for (const QString &word : parts.value(0).split(QLatin1Char(' '), Qt::SkipEmptyParts))
             add(word);
         for (const QString &edge : parts.value(1).split(QLatin1Char(' '), Qt::SkipEmptyParts)) {
