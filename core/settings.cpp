@@ -57,17 +57,19 @@ const QHash<QString, KeyInfo> &keyTable()
         add("show_advanced_transforms", Kind::Bool, false);
         add("input_blocked_extensions", Kind::StringList, QStringList());
         add("output_blocked_extensions", Kind::StringList,
-            QStringList {QStringLiteral("bat"), QStringLiteral("cmd"), QStringLiteral("com"), QStringLiteral("cpl"),
-                         QStringLiteral("dll"), QStringLiteral("exe"), QStringLiteral("msi"), QStringLiteral("ps1"),
-                         QStringLiteral("scr"), QStringLiteral("sh"), QStringLiteral("vbs"), QStringLiteral("tflow")});
+            QStringList {QStringLiteral("bat"), QStringLiteral("cmd"), QStringLiteral("com"),
+                QStringLiteral("cpl"), QStringLiteral("dll"), QStringLiteral("exe"), QStringLiteral("msi"),
+                QStringLiteral("ps1"), QStringLiteral("scr"), QStringLiteral("sh"), QStringLiteral("vbs"),
+                QStringLiteral("tflow")});
         // Kept by the window and the services
         add("show_row_col_changes", Kind::Bool, false);
         add("table_show_whitespace", Kind::Bool, false);
         add("transform_category", Kind::Int, 0, 0, 6);
-        for (const char *key : {"window_geometry", "window_state", "main_splitter_state", "item_splitter_state"})
+        for (const char *key :
+            {"window_geometry", "window_state", "main_splitter_state", "item_splitter_state"})
             add(key, Kind::Bytes, QByteArray());
         for (const char *key : {"last_document_folder", "last_input_folder", "last_output_folder",
-                                "update_last_check", "update_skipped_version", "integrity_accepted_sha256"})
+                 "update_last_check", "update_skipped_version", "integrity_accepted_sha256"})
             add(key, Kind::String, QString());
         add("lifetime_rows_processed", Kind::Int64Text, QStringLiteral("0"));
         add("lifetime_rows_milestone", Kind::Int64Text, QStringLiteral("0"));
@@ -121,8 +123,9 @@ QVariant checked(const KeyInfo &info, const QVariant &stored)
         return date.isValid() ? QVariant(stored.toString()) : QVariant();
     }
     case Kind::String:
-        return stored.canConvert<QString>() && stored.type() != QVariant::StringList ? QVariant(stored.toString())
-                                                                                     : QVariant();
+        return stored.canConvert<QString>() && stored.type() != QVariant::StringList
+            ? QVariant(stored.toString())
+            : QVariant();
     case Kind::StringList:
         if (stored.type() == QVariant::StringList || stored.type() == QVariant::List)
             return stored.toStringList();
@@ -140,9 +143,8 @@ QVariant checked(const KeyInfo &info, const QVariant &stored)
 Settings::Settings(QObject *parent)
     : QObject(parent)
     , m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
-                                             QStringLiteral("Tabrelle"), QStringLiteral("Tabrelle")))
-{
-}
+          QStringLiteral("Tabrelle"), QStringLiteral("Tabrelle")))
+{ }
 
 Settings::Settings(const QString &iniPath, QObject *parent)
     : QObject(parent)
@@ -250,8 +252,8 @@ double Settings::maxMemoryUsageGb() const
 QStringList Settings::blockedExtensions(bool input) const
 {
     QStringList extensions;
-    const QStringList stored
-        = stringListValue(input ? QStringLiteral("input_blocked_extensions") : QStringLiteral("output_blocked_extensions"));
+    const QStringList stored = stringListValue(
+        input ? QStringLiteral("input_blocked_extensions") : QStringLiteral("output_blocked_extensions"));
     for (const QString &extension : stored) {
         QString e = extension.trimmed().toLower();
         if (e.startsWith(QLatin1Char('.')))
