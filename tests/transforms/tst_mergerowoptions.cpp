@@ -595,4 +595,4 @@ void TestMergeRowOptions::topBottomUpstream()
 }
 
 QTEST_MAIN(TestMergeRowOptions)
-#include "tst_merge-rowoptions.moc"
+#include "tst_mergerowoptions.moc"

@@ -698,4 +698,4 @@ void TestAnalysisOtherOptions::summaryTakesEveryColumn()
 }
 
 QTEST_MAIN(TestAnalysisOtherOptions)
-#include "tst_analysis-otheroptions.moc"
+#include "tst_analysisotheroptions.moc"

@@ -1,1 +1,0 @@
-tabrelle_add_test(tst_analysis-otheroptions SOURCES tst_analysis-otheroptions.cpp LIBS tabrelle_transforms)

@@ -1,4 +1,0 @@
-tabrelle_add_test(tst_parameter SOURCES tst_parameter.cpp LIBS tabrelle_transforms)
-tabrelle_add_test(tst_transform SOURCES tst_transform.cpp LIBS tabrelle_transforms)
-tabrelle_add_test(tst_keyguess SOURCES tst_keyguess.cpp LIBS tabrelle_transforms)
-tabrelle_add_test(tst_registry SOURCES tst_registry.cpp LIBS tabrelle_app)

@@ -1,1 +1,0 @@
-tabrelle_add_test(tst_columnoptions SOURCES tst_columnoptions.cpp LIBS tabrelle_transforms)

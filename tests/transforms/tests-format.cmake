@@ -1,1 +1,0 @@
-tabrelle_add_test(tst_formatoptions SOURCES tst_formatoptions.cpp LIBS tabrelle_transforms)

@@ -1,1 +1,0 @@
-tabrelle_add_test(tst_merge-rowoptions SOURCES tst_merge-rowoptions.cpp LIBS tabrelle_transforms)
