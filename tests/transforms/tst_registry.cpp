@@ -1,4 +1,6 @@
 #include "app/transformregistry.h"
+#include "../flow/testgraph.h"
+#include "testutil.h"
 #include "transforms/transform.h"
 
 #include <QtTest>
@@ -36,6 +38,8 @@ private slots:
     void table();
     void everyTransform_data();
     void everyTransform();
+    void optionsRoundTrip_data();
+    void optionsRoundTrip();
 
 private:
     QList<Transform *> m_prototypes;
@@ -192,6 +196,37 @@ void TestRegistry::everyTransform()
     QVERIFY(!item->buttonTip().isEmpty());
     QVERIFY(!item->description().isEmpty());
     QVERIFY(item->keywords().contains(item->name().toLower().section(QLatin1Char(' '), 0, 0)));
+}
+
+// Every option of every transform, built against real inputs, reads back its own text.
+void TestRegistry::optionsRoundTrip_data()
+{
+    everyTransform_data();
+}
+
+void TestRegistry::optionsRoundTrip()
+{
+    QFETCH(int, position);
+    TestGraph graph(QStringLiteral("top bottom@0,100"));
+    for (const QString &name : {QStringLiteral("top"), QStringLiteral("bottom")}) {
+        Dataset data = testutil::toDataset(QStringLiteral("id,name,amount\n1,Ann,2.5\n2,Bob,7"), true);
+        graph[name]->setDataset(data);
+        graph[name]->assignColumnIds();
+        graph[name]->setStatus(Node::UpToDate, false);
+    }
+    std::unique_ptr<Transform> item(m_prototypes.value(position)->clone());
+    QList<Node *> inputs {graph["top"], graph["bottom"]};
+    inputs = inputs.mid(0, qMin(2, item->maximumInputs()));
+    item->createParameters(inputs, false);
+    for (Parameter *parameter : item->parameterList()) {
+        if (parameter->kind() == ParameterKind::Label)
+            continue;
+        const QString text = parameter->toText();
+        Parameter copy(*parameter);
+        copy.fromText(text, 84);
+        QVERIFY2(copy.toText() == text, qPrintable(parameter->name() + QLatin1String(": ") + text));
+        QVERIFY2(copy.value() == parameter->value(), qPrintable(parameter->name()));
+    }
 }
 
 QTEST_MAIN(TestRegistry)
