@@ -11,6 +11,8 @@
 #include "flow/maxmemoryexception.h"
 #include "flow/nodefactory.h"
 #include "flow/notenode.h"
+#include "inputs/inputnode.h"
+#include "outputs/outputnode.h"
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
 
@@ -107,6 +109,8 @@ void Application::applySettings()
 
 void Application::registerItems()
 {
+    m_nodeFactory->registerCreator(QStringLiteral("Input"), [] { return new InputNode; });
+    m_nodeFactory->registerCreator(QStringLiteral("Output"), [] { return new OutputNode; });
     m_nodeFactory->registerCreator(QStringLiteral("Note"), [] { return new NoteNode; });
     for (const Transform *prototype : qAsConst(m_transforms)) {
         m_nodeFactory->registerCreator(QStringLiteral("Transform:%1").arg(prototype->id()),
