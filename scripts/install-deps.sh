@@ -8,6 +8,11 @@ packages=(
     qtbase5-dev qtdeclarative5-dev libqt5charts5-dev libqt5svg5-dev
     libbenchmark-dev
     xvfb xauth
+    # File formats: JSON with numbers kept as text, zip for XLSX, FreeXL and the OLE2
+    # container for XLS, YAML and XLSX writing.
+    rapidjson-dev libzip-dev libfreexl-dev libgsf-1-dev libyaml-cpp-dev libxlsxwriter-dev
+    # Test set-up (Excel files made by a second program) and the benchmarks' peer.
+    python3-openpyxl python3-pandas
 )
 
 missing=()
