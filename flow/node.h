@@ -94,6 +94,15 @@ public:
 
     virtual void process(bool recursive, bool freeMemory) = 0;
 
+    // Whether the report after a run walks this item; an output that writes nothing and a
+    // chart that only draws on screen are passed over.
+    virtual bool isReportedInRun() const { return true; }
+    // Absolute native paths written by the last processing, each once, in order.
+    virtual QStringList writtenFiles() const { return QStringList(); }
+    // Takes the path of an alias assignment ("-file alias=value" or a batch cell). Inputs
+    // and outputs hold theirs in IONode; a chart that writes a file takes it here.
+    virtual void setAliasPath(const QString &path) { Q_UNUSED(path) }
+
     virtual QString alias() const { return m_alias; }
     virtual void setAlias(const QString &alias);
 
