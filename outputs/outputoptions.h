@@ -6,21 +6,25 @@
 
 #include <functional>
 
-// The write options of an output item, as every writer sees them.
+// The write options of an output item, as every writer sees them. The copy a writer is
+// given describes one file: path and sheet have their variables expanded, fileType is the
+// format being written, and writeHeader and byteOrderMark are the decisions for that file
+// (the byte order mark itself is written by the pipeline, never by a writer).
 struct OutputOptions
 {
     enum WriteMode { Disabled = 0, Overwrite = 1, Append = 2, New = 3 };
+    enum OutputTo { SingleFile = 0, MultipleFiles = 1 };
     enum LineEndings { LineEndingsAutomatic = 0, Crlf = 1, Lf = 2, Cr = 3, RecordSeparator = 4 };
     enum Quoting { QuotingAutomatic = 0, Quoted = 1, Unquoted = 2 };
     enum Types { TypesAutomatic = 0, TypesAllText = 1, TypesManual = 2 };
 
     QString path = QStringLiteral("Output.csv");
     QString sheet;
-    int fileType = 0;              // the format numbers shared with inputs
-    int outputTo = 0;              // 0 "Single file", 1 "Multiple files"
-    int filesColumn = 0;           // position from 1 of the "Files column"; 0 none
+    int fileType = 0; // the format numbers shared with inputs
+    int outputTo = SingleFile;
+    int filesColumn = 0; // position from 1 of the "Files column"; 0 none
     int writeMode = Overwrite;
-    int delimiter = 1;             // input numbering: 1 "Comma (,)", ...
+    int delimiter = 1; // input numbering: 0 "Automatic", 1 "Comma (,)", ... 9 "Unit separator (0x1F)"
     QChar customDelimiter;
     int quoting = QuotingAutomatic;
     int lineEndings = LineEndingsAutomatic;
@@ -28,7 +32,7 @@ struct OutputOptions
     bool byteOrderMark = true;
     bool writeHeader = true;
     bool writeHeaderOnlyIfEmpty = true; // " (if empty)" when appending
-    bool removeEmpty = true;       // JSON, XML, YAML, vCard
+    bool removeEmpty = true; // JSON, XML, YAML, vCard
     QString xmlAboveRoot;
     QString xmlRootName = QStringLiteral("root");
     QString xmlBelowRoot;
@@ -39,10 +43,10 @@ struct OutputOptions
     int excelFormatting = TypesAutomatic;
     QList<int> excelManualColumnFormats;
     bool replaceOnlyThisSheet = true;
+    bool useStyleTemplate = false;
     QString styleTemplate;
     bool confirmMultiFile = true;
     QString fileComment = QStringLiteral(" File created by %1 %2 at %3 %4 ");
-    QList<int> fixedWidths;        // fixed width out; empty: widest value per column
 };
 
 // What a writer tells besides the file: messages, and how far it has got.
