@@ -13,6 +13,7 @@
 #include "flow/notenode.h"
 #include "inputs/inputnode.h"
 #include "outputs/outputnode.h"
+#include "outputs/writerregistry.h"
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
 
@@ -109,6 +110,7 @@ void Application::applySettings()
 
 void Application::registerItems()
 {
+    registerOutputWriters();
     m_nodeFactory->registerCreator(QStringLiteral("Input"), [] { return new InputNode; });
     m_nodeFactory->registerCreator(QStringLiteral("Output"), [] { return new OutputNode; });
     m_nodeFactory->registerCreator(QStringLiteral("Note"), [] { return new NoteNode; });
