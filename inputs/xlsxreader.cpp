@@ -600,7 +600,8 @@ private:
         QString text;
         if (hasInline) {
             text = inlineText;
-        } else if (!hasValue) {
+        } else if (!hasValue || (hasFormula && value.isEmpty() && type != QLatin1String("str"))) {
+            // Some writers leave an empty value element for a formula they didn't calculate.
             if (hasFormula)
                 m_builder.addFormulaWithoutResult();
             return;
@@ -684,7 +685,7 @@ bool readXlsx(const QString &path, const InputOptions &options, Dataset &table, 
     if (chosen < 0)
         return excel::fail(table, report, error);
     const SheetInfo &sheet = book.sheets.at(chosen);
-    if (sheet.part.isEmpty() || !package.contains(sheet.part))
+    if (sheet.part.isEmpty())
         return excel::fail(table, report,
             excel::damaged(path, tr("the sheet '%1' has no part in the package").arg(sheet.entry.name)));
     Styles styles;
