@@ -109,21 +109,23 @@ void TestCli::run_data()
     QTest::newRow("document is a folder")
         << QStringList {"-cli", "folder.tflow"} << 255 << QStringList()
         << QStringList {
-               "Unable to open 'folder.tflow': it is a folder, not a flow document", "Aborted processing"};
+               "Unable to open 'folder.tflow': Can't open file 'folder.tflow'.", "Aborted processing"};
     QTest::newRow("second document ignored")
         << QStringList {"-cli", "folder.tflow", "missing.tflow"} << 255 << QStringList()
         << QStringList {
-               "Unable to open 'folder.tflow': it is a folder, not a flow document", "Aborted processing"};
+               "Unable to open 'folder.tflow': Can't open file 'folder.tflow'.", "Aborted processing"};
     QTest::newRow("unwritable log path: one red line, then the run goes on")
         << QStringList {"-cli", "-log", "no/such/folder/run.log", "-version"} << 255
         << QStringList {"", version}
         << QStringList {"Could not open log file at 'no/such/folder/run.log'", "No .tflow file specified.",
                "Aborted processing"};
-    QTest::newRow("a document that this build can't read")
+    QTest::newRow("a document that is not a flow: no retry, even when silent")
         << QStringList {"-version", "-cli", "-verbosity", "0", "flow.tflow"} << 255
         << QStringList {"", version}
-        << QStringList {"Unable to open 'flow.tflow': this version of Tabrelle can't read flow documents yet",
-               "Aborted processing"};
+        << QStringList {
+               "Unable to open 'flow.tflow': Format error 'Premature end of document.' detected at line 2 "
+               "column 0.",
+               "Contact support if you are sure this a Tabrelle file.", "Aborted processing"};
 }
 
 void TestCli::run()
