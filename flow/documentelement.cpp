@@ -332,14 +332,14 @@ DocumentParseResult parseDocumentText(const QByteArray &text, int maximumDepth)
             result.documentType = reader.dtdName().toString();
             // Declared entities are what a hostile document multiplies into gigabytes.
             if (!reader.entityDeclarations().isEmpty())
-                reader.raiseError(QStringLiteral("entity declarations are not accepted"));
+                reader.raiseError(QStringLiteral("Entity declarations are not accepted."));
             break;
         case QXmlStreamReader::EntityReference:
-            reader.raiseError(QStringLiteral("entity references are not accepted"));
+            reader.raiseError(QStringLiteral("Entity references are not accepted."));
             break;
         case QXmlStreamReader::StartElement: {
             if (open.size() >= maximumDepth) {
-                reader.raiseError(QStringLiteral("elements nested deeper than %1 levels").arg(maximumDepth));
+                reader.raiseError(QStringLiteral("Elements nested deeper than %1 levels.").arg(maximumDepth));
                 break;
             }
             DocumentElement *element = nullptr;
