@@ -469,6 +469,13 @@ bool ClosingText::finish(QIODevice &device, TextSink &sink) const
         return false;
     if (device.write(m_tail) != m_tail.size())
         return false;
+    return cut(device, sink);
+}
+
+bool ClosingText::cut(QIODevice &device, TextSink &sink) const
+{
+    if (!sink.flush())
+        return false;
     const qint64 end = device.pos();
     if (end < device.size()) {
         if (auto *file = qobject_cast<QFile *>(&device)) {

@@ -132,6 +132,8 @@ public:
     bool seekToStart(QIODevice &device) const { return device.seek(m_writeFrom); }
     // Writes the kept tail after the new rows and cuts what is left of the old file.
     bool finish(QIODevice &device, TextSink &sink) const;
+    // Cuts the file where the new rows end: the closing text is replaced, not kept.
+    bool cut(QIODevice &device, TextSink &sink) const;
 
 private:
     qint64 m_writeFrom = 0;
