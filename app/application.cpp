@@ -12,6 +12,7 @@
 #include "flow/nodefactory.h"
 #include "flow/notenode.h"
 #include "inputs/inputnode.h"
+#include "inputs/readerregistry.h"
 #include "outputs/outputnode.h"
 #include "outputs/writerregistry.h"
 #include "transforms/transform.h"
@@ -110,6 +111,7 @@ void Application::applySettings()
 
 void Application::registerItems()
 {
+    registerInputReaders();
     registerOutputWriters();
     m_nodeFactory->registerCreator(QStringLiteral("Input"), [] { return new InputNode; });
     m_nodeFactory->registerCreator(QStringLiteral("Output"), [] { return new OutputNode; });

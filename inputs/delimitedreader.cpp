@@ -1,0 +1,362 @@
+#include "delimitedreader.h"
+
+#include "core/dataset.h"
+#include "rowsink.h"
+#include "textsource.h"
+
+#include <QCoreApplication>
+
+#include <vector>
+
+namespace {
+
+const char *const Context = "DelimitedReader";
+
+enum CharClass : quint8 { ClassDelimiter = 0, ClassQuote = 1, ClassNewline = 2, ClassOther = 3 };
+
+// The quoted reader's states: 0 start of stream, 1 in an unquoted cell, 2 quote just
+// opened, 3 in a quoted cell, 4 quote seen inside quotes, 5 after a delimiter, 6 after a
+// row end. Next state by state and character class.
+constexpr quint8 NextState[7][4] = {
+    {5, 2, 6, 1},
+    {5, 1, 6, 1},
+    {3, 4, 3, 3},
+    {3, 4, 3, 3},
+    {5, 3, 6, 3},
+    {5, 2, 6, 1},
+    {5, 2, 6, 1},
+};
+
+constexpr int BlockChars = 2048;
+constexpr qint64 QuotedProgressChars = 50000;
+constexpr qint64 LineProgressChars = 50000;
+
+QString tr(const char *text)
+{
+    return QCoreApplication::translate(Context, text);
+}
+
+const QString &emptyCell()
+{
+    static const QString empty(QLatin1String(""));
+    return empty;
+}
+
+// Hands rows on as the state machine finishes them. The cell buffer is reused for every
+// cell, so that each cell costs one string of exactly its length.
+class QuotedReader
+{
+public:
+    QuotedReader(const InputOptions &options, Dataset &table, QChar delimiter)
+        : m_sourceName(options.sourceName())
+        , m_sink(options, table)
+        , m_table(table)
+        , m_ignoreRepeated(options.ignoreRepeatedDelimiter)
+        , m_ignoreFirstRows(options.ignoreFirstRows)
+        , m_delimiter(delimiter.unicode())
+        , m_reuseRows(Dataset::memoryMode() != 1)
+    {
+        for (int c = 0; c < 256; ++c)
+            m_classes[c] = ClassOther;
+        m_classes[int('"')] = ClassQuote;
+        m_classes[int('\n')] = ClassNewline;
+        m_classes[int('\r')] = ClassNewline;
+        if (m_delimiter < 256)
+            m_classes[m_delimiter] = ClassDelimiter;
+        m_cell.reserve(256);
+    }
+
+    bool read(TextSource &source, ReadReport &report)
+    {
+        const QChar *data = nullptr;
+        int length = 0;
+        qint64 sinceProgress = 0;
+        while (source.readBlock(BlockChars, data, length)) {
+            if (!readBlock(reinterpret_cast<const char16_t *>(data), length)) {
+                report.warnings.prepend(tr("'%1' is too big for Tabrelle to read").arg(m_sourceName));
+                return false;
+            }
+            sinceProgress += length;
+            if (sinceProgress >= QuotedProgressChars) {
+                sinceProgress = 0;
+                report.reportProgress(source.progress());
+            }
+        }
+        if (m_state == 2 || m_state == 3) {
+            report.warnings << tr("A quote opened in input row %1 is never closed, so the rest of the text "
+                                  "was read as one value")
+                                   .arg(m_quoteRow + 1);
+        }
+        if (!m_cell.empty() || !m_row.isEmpty()) {
+            finishCell(false);
+            finishRow();
+        }
+        m_sink.finish(report);
+        return true;
+    }
+
+private:
+    int classOf(char16_t c) const
+    {
+        return c < 256 ? int(m_classes[c]) : c == m_delimiter ? int(ClassDelimiter) : int(ClassOther);
+    }
+
+    bool append(const char16_t *begin, const char16_t *end)
+    {
+        if (qint64(m_cell.size()) + (end - begin) > TextSource::MaxChars)
+            return false;
+        m_cell.insert(m_cell.end(), begin, end);
+        return true;
+    }
+
+    bool readBlock(const char16_t *p, int length)
+    {
+        const char16_t *const end = p + length;
+        int state = m_state;
+        while (p < end) {
+            const char16_t c = *p;
+            const int kind = classOf(c);
+            // Outside quotes CR LF is one line break: the CR is skipped. A block never
+            // ends in CR unless the text does.
+            if (c == u'\r' && state != 2 && state != 3 && p + 1 < end && p[1] == u'\n') {
+                ++p;
+                continue;
+            }
+            state = NextState[state][kind];
+            switch (state) {
+            case 1: {
+                // The rest of an unquoted cell: up to the next delimiter or line break.
+                const char16_t *q = p + 1;
+                while (q < end) {
+                    const int next = classOf(*q);
+                    if (next == ClassDelimiter || next == ClassNewline)
+                        break;
+                    ++q;
+                }
+                if (!append(p, q))
+                    return false;
+                p = q;
+                continue;
+            }
+            case 3: {
+                // Inside quotes everything is text up to the next quote.
+                const char16_t *q = p + 1;
+                while (q < end && *q != u'"')
+                    ++q;
+                if (!append(p, q))
+                    return false;
+                p = q;
+                continue;
+            }
+            case 2:
+                m_cell.clear();
+                m_quoteRow = m_rowNumber;
+                break;
+            case 5:
+                finishCell(true);
+                break;
+            case 6:
+                finishCell(false);
+                finishRow();
+                break;
+            default: // 4: the quote may close the cell or be the first of a doubled one
+                break;
+            }
+            ++p;
+        }
+        m_state = state;
+        return true;
+    }
+
+    void finishCell(bool atDelimiter)
+    {
+        if (m_cell.empty()) {
+            if (!(atDelimiter && m_ignoreRepeated))
+                m_row.append(emptyCell());
+            return;
+        }
+        m_row.append(QString(reinterpret_cast<const QChar *>(m_cell.data()), int(m_cell.size())));
+        m_cell.clear();
+    }
+
+    void finishRow()
+    {
+        if (m_rowNumber >= m_ignoreFirstRows)
+            m_sink.add(m_row, m_rowNumber);
+        ++m_rowNumber;
+        const int width = qMax(m_table.columnCount(), int(m_row.size()));
+        if (m_reuseRows) {
+            // The table has made its own list of pooled strings: this one can be refilled.
+            m_row.erase(m_row.begin(), m_row.end());
+            m_row.reserve(width);
+        } else {
+            QStringList fresh;
+            fresh.reserve(width);
+            m_row.swap(fresh);
+        }
+    }
+
+    const QString m_sourceName;
+    RowSink m_sink;
+    Dataset &m_table;
+    const bool m_ignoreRepeated;
+    const int m_ignoreFirstRows;
+    const char16_t m_delimiter;
+    const bool m_reuseRows;
+    quint8 m_classes[256];
+    std::vector<char16_t> m_cell;
+    QStringList m_row;
+    int m_state = 0;
+    int m_rowNumber = 0;
+    int m_quoteRow = 0;
+};
+
+void collapseRepeated(QString &line, QChar delimiter)
+{
+    if (!line.contains(delimiter))
+        return;
+    QString collapsed;
+    collapsed.reserve(line.size());
+    QChar previous;
+    bool first = true;
+    for (const QChar c : qAsConst(line)) {
+        if (c == delimiter && !first && previous == delimiter)
+            continue;
+        collapsed.append(c);
+        previous = c;
+        first = false;
+    }
+    line = collapsed;
+}
+
+bool readUnquoted(
+    TextSource &source, const InputOptions &options, QChar delimiter, Dataset &table, ReadReport &report)
+{
+    RowSink sink(options, table);
+    QString line;
+    int inputRow = 0;
+    qint64 sinceProgress = 0;
+    while (source.readLine(line)) {
+        sinceProgress += line.size() + 1;
+        if (sinceProgress >= LineProgressChars) {
+            sinceProgress = 0;
+            report.reportProgress(source.progress());
+        }
+        if (options.ignoreRepeatedDelimiter)
+            collapseRepeated(line, delimiter);
+        // A carriage return inside a line also ends a row.
+        const QStringList parts =
+            line.contains(QLatin1Char('\r')) ? line.split(QLatin1Char('\r')) : QStringList {line};
+        for (const QString &part : parts) {
+            if (inputRow >= options.ignoreFirstRows) {
+                QStringList row = part.split(delimiter);
+                sink.add(row, inputRow);
+            }
+            ++inputRow;
+        }
+    }
+    sink.finish(report);
+    return true;
+}
+
+} // namespace
+
+namespace DelimitedReader {
+
+QChar character(int delimiter, QChar custom)
+{
+    switch (delimiter) {
+    case Semicolon:
+        return QLatin1Char(';');
+    case Colon:
+        return QLatin1Char(':');
+    case Tab:
+        return QLatin1Char('\t');
+    case Pipe:
+        return QLatin1Char('|');
+    case Caret:
+        return QLatin1Char('^');
+    case Space:
+        return QLatin1Char(' ');
+    case Custom:
+        return custom.isNull() ? QLatin1Char(',') : custom;
+    case UnitSeparator:
+        return QChar(0x1F);
+    default:
+        return QLatin1Char(',');
+    }
+}
+
+QString label(int delimiter)
+{
+    switch (delimiter) {
+    case Automatic:
+        return tr("Automatic");
+    case Comma:
+        return tr("Comma (,)");
+    case Semicolon:
+        return tr("Semi-colon (;)");
+    case Colon:
+        return tr("Colon (:)");
+    case Tab:
+        return tr("Tab (\\t)");
+    case Pipe:
+        return tr("Pipe (|)");
+    case Caret:
+        return tr("Caret (^)");
+    case Space:
+        return tr("Space ( )");
+    case Custom:
+        return tr("Custom");
+    case UnitSeparator:
+        return tr("Unit separator (0x1F)");
+    default:
+        return tr("Comma (,)");
+    }
+}
+
+int guess(const QString &sample, ReadReport &report)
+{
+    static const int candidates[] = {Comma, Semicolon, Pipe, Caret, Tab, UnitSeparator};
+    int winner = Comma;
+    int highest = 0;
+    QStringList counts;
+    for (const int candidate : candidates) {
+        const int count = sample.count(character(candidate, QChar()));
+        if (count > highest) {
+            highest = count;
+            winner = candidate;
+        }
+        counts << tr("%1 %2").arg(count).arg(label(candidate));
+    }
+    report.information
+        << tr("Delimiter=Automatic guesses '%1', set 'Delimiter' option to change").arg(label(winner));
+    report.information
+        << tr("First %1 characters contain: %2").arg(sample.size()).arg(counts.join(QStringLiteral(", ")));
+    return winner;
+}
+
+} // namespace DelimitedReader
+
+bool readDelimited(TextSource &source, const InputOptions &options, Dataset &table, ReadReport &report)
+{
+    using namespace DelimitedReader;
+    int delimiter = options.delimiter;
+    if (delimiter == Automatic)
+        delimiter = guess(source.peek(4096), report);
+    const QChar character = DelimitedReader::character(delimiter, options.customDelimiter);
+    bool quoted = options.quoting != Unquoted;
+    if (options.quoting != Quoted && options.quoting != Unquoted) {
+        quoted = character != QLatin1Char('\t');
+        report.information << tr("Quoting=Automatic guesses '%1', set 'Quoting' option to change")
+                                  .arg(quoted ? tr("Quoted") : tr("Unquoted"));
+    }
+    if (!quoted)
+        return readUnquoted(source, options, character, table, report);
+    QuotedReader reader(options, table, character);
+    if (!reader.read(source, report)) {
+        table = Dataset();
+        return false;
+    }
+    return true;
+}

@@ -1,0 +1,16 @@
+#include "readerregistry.h"
+
+#include "delimitedreader.h"
+#include "fixedwidthreader.h"
+#include "inputnode.h"
+#include "plaintextreader.h"
+
+// One line per format. Text formats take a function of the shape
+// bool read(const QString &text, const InputOptions &, Dataset &, ReadReport &), Excel the
+// same with the file's path; the line formats take a TextSource and decode as they go.
+void registerInputReaders()
+{
+    InputNode::setReader(IONode::DelimitedText, InputNode::StreamReader(readDelimited));
+    InputNode::setReader(IONode::FixedWidth, InputNode::StreamReader(readFixedWidth));
+    InputNode::setReader(IONode::PlainText, InputNode::StreamReader(readPlainText));
+}
