@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QMimeData>
 #include <QSaveFile>
 #include <QSet>
 #include <QSysInfo>
@@ -605,6 +606,31 @@ bool pasteText(const QByteArray &text, GraphScene &scene, QString *errorText, QL
     if (information)
         *information = dropped;
     return true;
+}
+
+QMimeData *copyMimeData(const GraphScene &scene)
+{
+    const QByteArray payload = copyText(scene);
+    auto *data = new QMimeData;
+    data->setData(mimeType(), payload);
+    data->setData(xmlMimeType(), payload);
+    return data;
+}
+
+bool canPaste(const QMimeData *data)
+{
+    return data && data->hasFormat(mimeType());
+}
+
+bool pasteMimeData(
+    const QMimeData *data, GraphScene &scene, QString *errorText, QList<Node *> *pasted, QString *information)
+{
+    if (!canPaste(data)) {
+        if (errorText)
+            *errorText = tr("Incorrect document type pasted.");
+        return false;
+    }
+    return pasteText(data->data(mimeType()), scene, errorText, pasted, information);
 }
 
 bool openDocument(GraphScene &scene, const QString &path, QString *errorText, QString *readWarnings,

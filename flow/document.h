@@ -13,6 +13,7 @@
 class GraphScene;
 class Node;
 class NodeFactory;
+class QMimeData;
 
 // One filled cell of the batch table: row counted from 0, the item alias it belongs to,
 // and its value.
@@ -175,6 +176,14 @@ QByteArray copyText(const GraphScene &scene);
 // "Paste error=%1 line=%2 col=%3". pasted gets the new nodes in document order.
 bool pasteText(const QByteArray &text, GraphScene &scene, QString *errorText, QList<Node *> *pasted = nullptr,
     QString *information = nullptr);
+
+// The same payload as clipboard data, under both mime types; the caller owns it.
+QMimeData *copyMimeData(const GraphScene &scene);
+// Whether data holds a payload under mimeType().
+bool canPaste(const QMimeData *data);
+// Pastes the payload of data; without one, false with "Incorrect document type pasted.".
+bool pasteMimeData(const QMimeData *data, GraphScene &scene, QString *errorText,
+    QList<Node *> *pasted = nullptr, QString *information = nullptr);
 
 // For the headless run and the window: reads path into the scene; errorText gets why the
 // read failed, readWarnings what the read dropped and the later-version message.

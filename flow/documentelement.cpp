@@ -17,6 +17,9 @@ constexpr ushort ControlStandIn = 0xF700;
 
 QByteArray standInControlBytes(const QByteArray &text)
 {
+    // A text with NUL bytes is UTF-16 or no text at all: the reader decides which.
+    if (text.contains('\0'))
+        return text;
     QByteArray result;
     result.reserve(text.size());
     for (const char c : text) {
