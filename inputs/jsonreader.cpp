@@ -593,34 +593,18 @@ private:
     static void appendQuoted(QString &out, const QString &text)
     {
         out += QLatin1Char('"');
+        static const char escaped[] = "\"\\\b\f\n\r\t";
+        static const char letters[] = "\"\\bfnrt";
         for (const QChar c : text) {
-            switch (c.unicode()) {
-            case '"':
-                out += QLatin1String("\\\"");
-                break;
-            case '\\':
-                out += QLatin1String("\\\\");
-                break;
-            case '\b':
-                out += QLatin1String("\\b");
-                break;
-            case '\f':
-                out += QLatin1String("\\f");
-                break;
-            case '\n':
-                out += QLatin1String("\\n");
-                break;
-            case '\r':
-                out += QLatin1String("\\r");
-                break;
-            case '\t':
-                out += QLatin1String("\\t");
-                break;
-            default:
-                if (c.unicode() < 0x20)
-                    out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
-                else
-                    out += c;
+            const char *escape =
+                c.unicode() < 0x80 && c.unicode() != 0 ? std::strchr(escaped, char(c.unicode())) : nullptr;
+            if (escape) {
+                out += QLatin1Char('\\');
+                out += QLatin1Char(letters[escape - escaped]);
+            } else if (c.unicode() < 0x20) {
+                out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+            } else {
+                out += c;
             }
         }
         out += QLatin1Char('"');
