@@ -8,14 +8,18 @@
 #include "core/dataset.h"
 #include "core/settings.h"
 #include "core/values.h"
+#include "flow/document.h"
 #include "flow/maxmemoryexception.h"
 #include "flow/nodefactory.h"
 #include "flow/notenode.h"
+#include "inputs/inputdocument.h"
 #include "inputs/inputnode.h"
 #include "inputs/readerregistry.h"
+#include "outputs/outputdocument.h"
 #include "outputs/outputnode.h"
 #include "outputs/writerregistry.h"
 #include "transforms/transform.h"
+#include "transforms/transformdocument.h"
 #include "transforms/transformnode.h"
 
 #include <QDate>
@@ -120,6 +124,13 @@ void Application::registerItems()
         m_nodeFactory->registerCreator(QStringLiteral("Transform:%1").arg(prototype->id()),
             [prototype] { return new TransformNode(prototype->clone()); });
     }
+    // Documents make their items through the same factory; the one edition is "Free".
+    Document::setNodeFactory(m_nodeFactory.get());
+    Document::setProgram(BuildInfo::productName(), QStringLiteral("Free"), BuildInfo::versionMajor(),
+                         BuildInfo::versionMinor(), BuildInfo::versionPatch());
+    Document::registerItemType(InputDocument::itemType());
+    Document::registerItemType(TransformDocument::itemType());
+    Document::registerItemType(OutputDocument::itemType());
 }
 
 int Application::run()
