@@ -1,5 +1,6 @@
 #include "inputs/jsonreader.h"
 
+#include <QRandomGenerator>
 #include <QtTest>
 
 namespace {
@@ -26,6 +27,32 @@ QString nested(int depth)
     return QString(depth, QLatin1Char('[')) + QString(depth, QLatin1Char(']'));
 }
 
+// A deterministic mutation of a sample: one to four character flips, cuts, insertions of
+// a piece of the sample and repeated blocks.
+QString mutate(const QString &sample, QRandomGenerator &random)
+{
+    QString text = sample;
+    const int steps = 1 + int(random.bounded(4));
+    for (int step = 0; step < steps; ++step) {
+        const int at = text.isEmpty() ? 0 : int(random.bounded(text.size()));
+        switch (random.bounded(4)) {
+        case 0:
+            if (!text.isEmpty())
+                text[at] = QChar(ushort(random.bounded(128)));
+            break;
+        case 1:
+            text.truncate(at);
+            break;
+        case 2:
+            text.insert(at, sample.mid(int(random.bounded(sample.size())), int(random.bounded(20))));
+            break;
+        default:
+            text.insert(at, text.mid(at, int(random.bounded(30))).repeated(1 + int(random.bounded(50))));
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 class TestJsonReader : public QObject
@@ -38,6 +65,8 @@ private slots:
     void messages();
     void failure_data();
     void failure();
+    void mutations_data();
+    void mutations();
 };
 
 void TestJsonReader::read_data()
@@ -209,6 +238,38 @@ void TestJsonReader::failure()
     QCOMPARE(report.warnings.value(0), warning);
     QCOMPARE(dataset.rowCount(), 0);
     QCOMPARE(dataset.columnCount(), 0);
+}
+
+void TestJsonReader::mutations_data()
+{
+    QTest::addColumn<QString>("sample");
+
+    row("records under an object",
+        QString(
+            R"({"data":[{"a":1,"b":{"c":[1,2,{"d":null}]},"e":"x\"y"},{"a":2.50,"f":[{"g":true},{"g":false}]}],"n":{"m":[]}})"));
+    row("JSON Lines", QString("{\"a\":1}\n{\"b\":[1,2]}\n[1,[2],{\"c\":3}]\n\"s\" // end\n"));
+}
+
+// Mangled text either reads or fails with its message first and an empty table.
+void TestJsonReader::mutations()
+{
+    QFETCH(QString, sample);
+
+    QRandomGenerator random(7);
+    for (int i = 0; i < 500; ++i) {
+        const QString text = mutate(sample, random);
+        InputOptions options;
+        options.arraysAsRows = i % 2 == 0;
+        options.longOrWide =
+            i % 3 == 0 ? QStringLiteral("Long (more rows)") : QStringLiteral("Wide (more columns)");
+        Dataset dataset;
+        ReadReport report;
+        const bool ok = readJson(text, options, dataset, report);
+        if (!ok) {
+            QVERIFY2(report.warnings.value(0).startsWith("JSON "), qPrintable(report.warnings.value(0)));
+            QVERIFY(dataset.hasNoColumns() && dataset.hasNoRows());
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestJsonReader)

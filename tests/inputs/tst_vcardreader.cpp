@@ -1,5 +1,6 @@
 #include "inputs/vcardreader.h"
 
+#include <QRandomGenerator>
 #include <QtTest>
 
 namespace {
@@ -71,6 +72,32 @@ const char *const Version40 = "BEGIN:VCARD\n"
                               "UID:urn:uuid:4fbe8971\n"
                               "END:VCARD\n";
 
+// A deterministic mutation of a sample: one to four character flips, cuts, insertions of
+// a piece of the sample and repeated blocks.
+QString mutate(const QString &sample, QRandomGenerator &random)
+{
+    QString text = sample;
+    const int steps = 1 + int(random.bounded(4));
+    for (int step = 0; step < steps; ++step) {
+        const int at = text.isEmpty() ? 0 : int(random.bounded(text.size()));
+        switch (random.bounded(4)) {
+        case 0:
+            if (!text.isEmpty())
+                text[at] = QChar(ushort(random.bounded(128)));
+            break;
+        case 1:
+            text.truncate(at);
+            break;
+        case 2:
+            text.insert(at, sample.mid(int(random.bounded(sample.size())), int(random.bounded(20))));
+            break;
+        default:
+            text.insert(at, text.mid(at, int(random.bounded(30))).repeated(1 + int(random.bounded(50))));
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 class TestVCardReader : public QObject
@@ -83,6 +110,8 @@ private slots:
     void messages();
     void failure_data();
     void failure();
+    void mutations_data();
+    void mutations();
 };
 
 void TestVCardReader::read_data()
@@ -235,6 +264,37 @@ void TestVCardReader::failure()
     QCOMPARE(report.warnings, QStringList {"No vCard found: the text has no 'BEGIN:VCARD' line"});
     QCOMPARE(dataset.rowCount(), 0);
     QCOMPARE(dataset.columnCount(), 0);
+}
+
+void TestVCardReader::mutations_data()
+{
+    QTest::addColumn<QString>("sample");
+
+    row("version 2.1", QString(Version21));
+    row("version 3.0", QString(Version30));
+    row("version 4.0", QString(Version40));
+}
+
+// Mangled text either reads or fails with its message first and an empty table.
+void TestVCardReader::mutations()
+{
+    QFETCH(QString, sample);
+
+    QRandomGenerator random(7);
+    for (int i = 0; i < 500; ++i) {
+        const QString text = mutate(sample, random);
+        InputOptions options;
+        options.arraysAsRows = i % 2 == 0;
+        options.longOrWide =
+            i % 3 == 0 ? QStringLiteral("Long (more rows)") : QStringLiteral("Wide (more columns)");
+        Dataset dataset;
+        ReadReport report;
+        const bool ok = readVCard(text, options, dataset, report);
+        if (!ok) {
+            QCOMPARE(report.warnings.value(0), QString("No vCard found: the text has no 'BEGIN:VCARD' line"));
+            QVERIFY(dataset.hasNoColumns() && dataset.hasNoRows());
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestVCardReader)

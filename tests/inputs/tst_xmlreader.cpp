@@ -1,5 +1,6 @@
 #include "inputs/xmlreader.h"
 
+#include <QRandomGenerator>
 #include <QTextCodec>
 #include <QtTest>
 
@@ -25,6 +26,32 @@ QString tableText(const Dataset &table)
 const QString Wide = QStringLiteral("Wide (more columns)");
 const QString Long = QStringLiteral("Long (more rows)");
 
+// A deterministic mutation of a sample: one to four character flips, cuts, insertions of
+// a piece of the sample and repeated blocks.
+QString mutate(const QString &sample, QRandomGenerator &random)
+{
+    QString text = sample;
+    const int steps = 1 + int(random.bounded(4));
+    for (int step = 0; step < steps; ++step) {
+        const int at = text.isEmpty() ? 0 : int(random.bounded(text.size()));
+        switch (random.bounded(4)) {
+        case 0:
+            if (!text.isEmpty())
+                text[at] = QChar(ushort(random.bounded(128)));
+            break;
+        case 1:
+            text.truncate(at);
+            break;
+        case 2:
+            text.insert(at, sample.mid(int(random.bounded(sample.size())), int(random.bounded(20))));
+            break;
+        default:
+            text.insert(at, text.mid(at, int(random.bounded(30))).repeated(1 + int(random.bounded(50))));
+        }
+    }
+    return text;
+}
+
 } // namespace
 
 class TestXmlReader : public QObject
@@ -37,6 +64,8 @@ private slots:
     void decode();
     void failure_data();
     void failure();
+    void mutations_data();
+    void mutations();
 };
 
 void TestXmlReader::read_data()
@@ -220,6 +249,41 @@ void TestXmlReader::failure()
     QCOMPARE(report.warnings.size(), 1);
     QCOMPARE(dataset.rowCount(), 0);
     QCOMPARE(dataset.columnCount(), 0);
+}
+
+void TestXmlReader::mutations_data()
+{
+    QTest::addColumn<QString>("sample");
+
+    row("records with attributes and entities",
+        QString("<?xml version='1.0'?><!DOCTYPE r [<!ENTITY e 'xy'>]><r xmlns:p='u'><p:i "
+                "id='1'><v>&e;</v><v>2</v>"
+                "<w><x a='1'>t</x></w></p:i><p:i id='2'><![CDATA[z]]><!-- c --></p:i></r>"));
+    row("outlines",
+        QString(
+            "<opml><body><outline text='a'><outline text='b'/></outline><outline text='c'/></body></opml>"));
+}
+
+// Mangled text either reads or fails with its message first and an empty table.
+void TestXmlReader::mutations()
+{
+    QFETCH(QString, sample);
+
+    QRandomGenerator random(7);
+    for (int i = 0; i < 500; ++i) {
+        const QString text = mutate(sample, random);
+        InputOptions options;
+        options.arraysAsRows = i % 2 == 0;
+        options.longOrWide =
+            i % 3 == 0 ? QStringLiteral("Long (more rows)") : QStringLiteral("Wide (more columns)");
+        Dataset dataset;
+        ReadReport report;
+        const bool ok = readXml(text, options, dataset, report);
+        if (!ok) {
+            QVERIFY2(report.warnings.value(0).startsWith("XML "), qPrintable(report.warnings.value(0)));
+            QVERIFY(dataset.hasNoColumns() && dataset.hasNoRows());
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestXmlReader)
