@@ -3,7 +3,7 @@
 # no display, run it headless and say where its outputs went.
 set -euo pipefail
 build_dir=${1:-build}
-exe="$build_dir/app/tabrelle"
+exe="$(cd "$build_dir/app" && pwd)/tabrelle"
 example="examples/sales/clean-and-merge.tflow"
 
 if [ ! -f "$example" ]; then
@@ -14,12 +14,18 @@ if [ ! -f "$example" ]; then
     exec "$exe"
 fi
 
+# The flow names its input files relative to its own folder.
+example_dir="$(cd "$(dirname "$example")" && pwd)"
+cd "$example_dir"
+flow="$(basename "$example")"
+
 if [ -n "${DISPLAY:-}" ] || [ -n "${WAYLAND_DISPLAY:-}" ]; then
-    exec "$exe" "$example"
+    exec "$exe" "$flow"
 fi
 
 echo "No display found: running $example headless."
 status=0
-"$exe" -cli -verbosity 3 "$example" || status=$?
-echo "Outputs of the example are in $(cd "$(dirname "$example")" && pwd)/output"
+"$exe" -cli -verbosity 3 "$flow" || status=$?
+echo "Outputs of the example are in $example_dir/output:"
+ls -l "$example_dir/output"
 exit $status
