@@ -211,7 +211,7 @@ bool writeJson(const Dataset &dataset, const OutputOptions &options, QIODevice &
         sink << rowIndent << QLatin1Char('{');
         const QStringList &row = dataset.row(r);
         bool anyMember = false;
-        for (int c = 0; c < row.size(); ++c) {
+        for (int c = 0; c < qMin(row.size(), keys.size()); ++c) {
             bool fits = true;
             const QString value = memberValue(row.at(c), types.at(c), options.removeEmpty, lineEnding, fits);
             if (value.isNull())

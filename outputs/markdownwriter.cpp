@@ -126,7 +126,7 @@ bool writeMarkdown(
         QStringList row;
         row.reserve(columns);
         for (int c = 0; c < columns; ++c) {
-            row << markdownCell(dataset.cell(r, c), options.escapeHtml);
+            row << markdownCell(dataset.row(r).value(c), options.escapeHtml);
             widths[c] = qMax(widths.at(c), characterCount(row.last()));
         }
         cells << row;

@@ -238,7 +238,7 @@ bool writeXml(const Dataset &dataset, const OutputOptions &options, QIODevice &d
         children.clear();
         const QStringList &cells = dataset.row(r);
         for (int c = 0; c < columns; ++c) {
-            const QString &cell = cells.at(c);
+            const QString cell = cells.value(c);
             if (cell.isEmpty() && options.removeEmpty)
                 continue;
             const QString &name = names.at(c);

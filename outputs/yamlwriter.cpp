@@ -246,7 +246,7 @@ bool writeYaml(const Dataset &dataset, const OutputOptions &options, QIODevice &
         RowEmitter row;
         row.emitter() << YAML::BeginSeq << YAML::BeginMap;
         const QStringList &cells = dataset.row(r);
-        for (int c = 0; c < cells.size(); ++c) {
+        for (int c = 0; c < qMin(cells.size(), names.size()); ++c) {
             const QString &cell = cells.at(c);
             const int type = types.at(c);
             const bool empty = type == TextType ? cell.isEmpty() : cell.trimmed().isEmpty();
