@@ -6,7 +6,12 @@
 
 #include <QCoreApplication>
 
+#include <cstring>
 #include <vector>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 namespace {
 
@@ -36,25 +41,43 @@ QString tr(const char *text)
     return QCoreApplication::translate(Context, text);
 }
 
-const QString &emptyCell()
+// The first of the characters a, b and c at or after p, or end; eight at a time where
+// the processor allows, since cells of free text run long between stops.
+const char16_t *findAny(const char16_t *p, const char16_t *end, char16_t a, char16_t b, char16_t c)
 {
-    static const QString empty(QLatin1String(""));
-    return empty;
+#ifdef __SSE2__
+    const __m128i first = _mm_set1_epi16(short(a));
+    const __m128i second = _mm_set1_epi16(short(b));
+    const __m128i third = _mm_set1_epi16(short(c));
+    while (end - p >= 8) {
+        const __m128i chunk = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+        const __m128i found =
+            _mm_or_si128(_mm_or_si128(_mm_cmpeq_epi16(chunk, first), _mm_cmpeq_epi16(chunk, second)),
+                _mm_cmpeq_epi16(chunk, third));
+        const int mask = _mm_movemask_epi8(found);
+        if (mask != 0)
+            return p + (__builtin_ctz(unsigned(mask)) >> 1);
+        p += 8;
+    }
+#endif
+    while (p < end && *p != a && *p != b && *p != c)
+        ++p;
+    return p;
 }
 
-// Hands rows on as the state machine finishes them. The cell buffer is reused for every
-// cell, so that each cell costs one string of exactly its length.
+// Hands rows on as the state machine finishes them. Cell text gathers in one buffer
+// reused for every cell; a cell that lies whole inside a block goes to the row straight
+// from the block, and each cell becomes at most one string of exactly its length.
 class QuotedReader
 {
 public:
     QuotedReader(const InputOptions &options, Dataset &table, QChar delimiter)
         : m_sourceName(options.sourceName())
         , m_sink(options, table)
-        , m_table(table)
         , m_ignoreRepeated(options.ignoreRepeatedDelimiter)
         , m_ignoreFirstRows(options.ignoreFirstRows)
         , m_delimiter(delimiter.unicode())
-        , m_reuseRows(Dataset::memoryMode() != 1)
+        , m_cell(256)
     {
         for (int c = 0; c < 256; ++c)
             m_classes[c] = ClassOther;
@@ -63,7 +86,6 @@ public:
         m_classes[int('\r')] = ClassNewline;
         if (m_delimiter < 256)
             m_classes[m_delimiter] = ClassDelimiter;
-        m_cell.reserve(256);
     }
 
     bool read(TextSource &source, ReadReport &report)
@@ -87,7 +109,7 @@ public:
                                   "was read as one value")
                                    .arg(m_quoteRow + 1);
         }
-        if (!m_cell.empty() || !m_row.isEmpty()) {
+        if (m_cellLength > 0 || !m_sink.rowIsEmpty()) {
             finishCell(false);
             finishRow();
         }
@@ -101,11 +123,27 @@ private:
         return c < 256 ? int(m_classes[c]) : c == m_delimiter ? int(ClassDelimiter) : int(ClassOther);
     }
 
+    // Moves a cell that was still in the block into the buffer, before the block goes.
+    bool keepDirectCell()
+    {
+        if (!m_direct)
+            return true;
+        const char16_t *data = m_direct;
+        m_direct = nullptr;
+        return append(data, data + m_directLength);
+    }
+
     bool append(const char16_t *begin, const char16_t *end)
     {
-        if (qint64(m_cell.size()) + (end - begin) > TextSource::MaxChars)
+        if (m_direct && !keepDirectCell())
             return false;
-        m_cell.insert(m_cell.end(), begin, end);
+        const qint64 length = end - begin;
+        if (m_cellLength + length > TextSource::MaxChars)
+            return false;
+        if (m_cellLength + length > qint64(m_cell.size()))
+            m_cell.resize(size_t(qMax(m_cellLength + length, qint64(m_cell.size()) * 2)));
+        std::memcpy(m_cell.data() + m_cellLength, begin, size_t(length) * sizeof(char16_t));
+        m_cellLength += length;
         return true;
     }
 
@@ -126,30 +164,31 @@ private:
             switch (state) {
             case 1: {
                 // The rest of an unquoted cell: up to the next delimiter or line break.
-                const char16_t *q = p + 1;
-                while (q < end) {
-                    const int next = classOf(*q);
-                    if (next == ClassDelimiter || next == ClassNewline)
-                        break;
-                    ++q;
-                }
-                if (!append(p, q))
+                const char16_t *q = findAny(p + 1, end, m_delimiter, u'\n', u'\r');
+                if (m_cellLength == 0 && !m_direct && q < end) {
+                    m_direct = p;
+                    m_directLength = int(q - p);
+                } else if (!append(p, q)) {
                     return false;
+                }
                 p = q;
                 continue;
             }
             case 3: {
                 // Inside quotes everything is text up to the next quote.
-                const char16_t *q = p + 1;
-                while (q < end && *q != u'"')
-                    ++q;
-                if (!append(p, q))
+                const char16_t *q = findAny(p + 1, end, u'"', u'"', u'"');
+                if (m_cellLength == 0 && !m_direct && q < end) {
+                    m_direct = p;
+                    m_directLength = int(q - p);
+                } else if (!append(p, q)) {
                     return false;
+                }
                 p = q;
                 continue;
             }
             case 2:
-                m_cell.clear();
+                m_direct = nullptr;
+                m_cellLength = 0;
                 m_quoteRow = m_rowNumber;
                 break;
             case 5:
@@ -165,47 +204,38 @@ private:
             ++p;
         }
         m_state = state;
-        return true;
+        return keepDirectCell();
     }
 
     void finishCell(bool atDelimiter)
     {
-        if (m_cell.empty()) {
-            if (!(atDelimiter && m_ignoreRepeated))
-                m_row.append(emptyCell());
-            return;
+        if (m_direct) {
+            m_sink.addCell(reinterpret_cast<const QChar *>(m_direct), m_directLength);
+            m_direct = nullptr;
+        } else if (m_cellLength > 0) {
+            m_sink.addCell(reinterpret_cast<const QChar *>(m_cell.data()), int(m_cellLength));
+            m_cellLength = 0;
+        } else if (!(atDelimiter && m_ignoreRepeated)) {
+            m_sink.addCell(nullptr, 0);
         }
-        m_row.append(QString(reinterpret_cast<const QChar *>(m_cell.data()), int(m_cell.size())));
-        m_cell.clear();
     }
 
     void finishRow()
     {
-        if (m_rowNumber >= m_ignoreFirstRows)
-            m_sink.add(m_row, m_rowNumber);
+        m_sink.endRow(m_rowNumber, m_rowNumber >= m_ignoreFirstRows);
         ++m_rowNumber;
-        const int width = qMax(m_table.columnCount(), int(m_row.size()));
-        if (m_reuseRows) {
-            // The table has made its own list of pooled strings: this one can be refilled.
-            m_row.erase(m_row.begin(), m_row.end());
-            m_row.reserve(width);
-        } else {
-            QStringList fresh;
-            fresh.reserve(width);
-            m_row.swap(fresh);
-        }
     }
 
     const QString m_sourceName;
     RowSink m_sink;
-    Dataset &m_table;
     const bool m_ignoreRepeated;
     const int m_ignoreFirstRows;
     const char16_t m_delimiter;
-    const bool m_reuseRows;
     quint8 m_classes[256];
     std::vector<char16_t> m_cell;
-    QStringList m_row;
+    qint64 m_cellLength = 0;
+    const char16_t *m_direct = nullptr; // a cell still inside the current block
+    int m_directLength = 0;
     int m_state = 0;
     int m_rowNumber = 0;
     int m_quoteRow = 0;
@@ -248,10 +278,8 @@ bool readUnquoted(
         const QStringList parts =
             line.contains(QLatin1Char('\r')) ? line.split(QLatin1Char('\r')) : QStringList {line};
         for (const QString &part : parts) {
-            if (inputRow >= options.ignoreFirstRows) {
-                QStringList row = part.split(delimiter);
-                sink.add(row, inputRow);
-            }
+            if (inputRow >= options.ignoreFirstRows)
+                sink.add(part.split(delimiter), inputRow);
             ++inputRow;
         }
     }

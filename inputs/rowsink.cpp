@@ -3,28 +3,208 @@
 #include "core/dataset.h"
 #include "core/values.h"
 
+#include <cstring>
+
+namespace {
+
+// A pool this large whose lookups mostly missed holds a column of nearly unique values.
+constexpr int PoolLimit = 1 << 14;
+constexpr uint HashSeed = 0x9E3779B9u;
+constexpr int FirstPoolSlots = 16;
+constexpr int FirstRowBatch = 4096;
+
+const QString &emptyCell()
+{
+    static const QString empty(QLatin1String(""));
+    return empty;
+}
+
+} // namespace
+
+ValuePool::ValuePool(bool enabled)
+    : m_enabled(enabled)
+{ }
+
+namespace {
+
+// Appends a string the row is to own alone without touching its reference count twice:
+// the list takes the shared empty string, which is then swapped for the new one.
+void appendOwned(QStringList &row, QString &value)
+{
+    row.append(emptyCell());
+    row.last().swap(value);
+}
+
+} // namespace
+
+void ValuePool::append(QStringList &row, const QChar *data, int length)
+{
+    if (length == 0) {
+        row.append(emptyCell());
+        return;
+    }
+    if (!m_enabled) {
+        QString made(data, length);
+        appendOwned(row, made);
+        return;
+    }
+    if (m_slots.empty())
+        m_slots.resize(FirstPoolSlots);
+    ++m_lookups;
+    const uint hash = qHash(QStringView(data, length), HashSeed);
+    const size_t mask = m_slots.size() - 1;
+    size_t index = hash & mask;
+    for (;; index = (index + 1) & mask) {
+        const Slot &slot = m_slots[index];
+        if (slot.value.isNull())
+            break;
+        if (slot.hash == hash && slot.value.size() == length
+            && std::memcmp(slot.value.constData(), data, size_t(length) * sizeof(QChar)) == 0) {
+            ++m_hits;
+            row.append(slot.value);
+            return;
+        }
+    }
+    QString made(data, length);
+    insert(row, index, hash, made);
+}
+
+void ValuePool::append(QStringList &row, const QString &value)
+{
+    if (value.isEmpty()) {
+        row.append(emptyCell());
+        return;
+    }
+    if (!m_enabled) {
+        row.append(value);
+        return;
+    }
+    if (m_slots.empty())
+        m_slots.resize(FirstPoolSlots);
+    ++m_lookups;
+    const uint hash = qHash(QStringView(value), HashSeed);
+    const size_t mask = m_slots.size() - 1;
+    size_t index = hash & mask;
+    for (;; index = (index + 1) & mask) {
+        const Slot &slot = m_slots[index];
+        if (slot.value.isNull())
+            break;
+        if (slot.hash == hash && slot.value == value) {
+            ++m_hits;
+            row.append(slot.value);
+            return;
+        }
+    }
+    QString copy = value;
+    insert(row, index, hash, copy);
+}
+
+void ValuePool::insert(QStringList &row, size_t index, uint hash, QString &value)
+{
+    if (m_count >= PoolLimit && m_hits * 2 < m_lookups) {
+        // Nearly every value is new: pooling would only cost. The cells already taken
+        // from the pool keep their strings.
+        m_enabled = false;
+        std::vector<Slot>().swap(m_slots);
+        appendOwned(row, value);
+        return;
+    }
+    Slot &slot = m_slots[index];
+    slot.hash = hash;
+    slot.value = value;
+    appendOwned(row, value);
+    if (++m_count * 2 > int(m_slots.size()))
+        grow();
+}
+
+void ValuePool::grow()
+{
+    std::vector<Slot> bigger(m_slots.size() * 2);
+    const size_t mask = bigger.size() - 1;
+    for (Slot &slot : m_slots) {
+        if (slot.value.isNull())
+            continue;
+        size_t index = slot.hash & mask;
+        while (!bigger[index].value.isNull())
+            index = (index + 1) & mask;
+        bigger[index].hash = slot.hash;
+        bigger[index].value.swap(slot.value);
+    }
+    m_slots.swap(bigger);
+}
+
 RowSink::RowSink(const InputOptions &options, Dataset &table)
     : m_table(table)
     , m_trim(options.trimWhitespace)
     , m_simplify(options.simplifyWhitespace)
     , m_ignoreEmptyRows(options.ignoreEmptyRows)
-{ }
-
-void RowSink::add(QStringList &row, int inputRow)
+    , m_pooling(Dataset::memoryMode() != 1)
+    , m_used(table.rowCount())
 {
+    m_row.reserve(qMax(table.columnCount(), 8));
+}
+
+RowSink::~RowSink()
+{
+    if (m_table.rowCount() > m_used)
+        m_table.setRowCount(m_used);
+}
+
+ValuePool &RowSink::pool(int column)
+{
+    if (column >= int(m_pools.size()))
+        m_pools.resize(size_t(column) + 1, ValuePool(m_pooling));
+    return m_pools[size_t(column)];
+}
+
+void RowSink::addCell(const QChar *data, int length)
+{
+    const int column = m_row.size();
     if (m_trim || m_simplify) {
-        for (QString &cell : row) {
-            if (m_trim)
-                cell = cell.trimmed();
-            if (m_simplify)
-                simplifyWhitespace(cell);
-        }
-    }
-    if (m_ignoreEmptyRows && Dataset::isBlank(row)) {
-        ++m_emptyRows;
+        QString value(data, length);
+        if (m_trim)
+            value = value.trimmed();
+        if (m_simplify)
+            simplifyWhitespace(value);
+        pool(column).append(m_row, value);
         return;
     }
-    const int values = row.size();
+    pool(column).append(m_row, data, length);
+}
+
+void RowSink::endRow(int inputRow, bool keep)
+{
+    if (keep) {
+        store(inputRow);
+    } else {
+        m_row.erase(m_row.begin(), m_row.end());
+    }
+}
+
+void RowSink::add(const QStringList &row, int inputRow)
+{
+    for (const QString &cell : row) {
+        const int column = m_row.size();
+        if (m_trim || m_simplify) {
+            QString value = m_trim ? cell.trimmed() : cell;
+            if (m_simplify)
+                simplifyWhitespace(value);
+            pool(column).append(m_row, value);
+        } else {
+            pool(column).append(m_row, cell);
+        }
+    }
+    store(inputRow);
+}
+
+void RowSink::store(int inputRow)
+{
+    if (m_ignoreEmptyRows && Dataset::isBlank(m_row)) {
+        ++m_emptyRows;
+        m_row.erase(m_row.begin(), m_row.end());
+        return;
+    }
+    const int values = m_row.size();
     if (values != m_lastWidthValues) {
         auto found = m_widths.find(values);
         if (found == m_widths.end())
@@ -33,13 +213,32 @@ void RowSink::add(QStringList &row, int inputRow)
         m_lastWidthValues = values;
     }
     ++m_lastWidth->rows;
-    if (values > m_table.columnCount())
+    if (values > m_table.columnCount()) {
+        // Earlier rows gain empty cells; the blank rows made ahead go first.
+        m_table.setRowCount(m_used);
         m_table.setColumnCount(values);
-    m_table.appendRow(row, true);
+    }
+    const int columns = m_table.columnCount();
+    if (columns == 0) {
+        m_row.erase(m_row.begin(), m_row.end());
+        return;
+    }
+    while (m_row.size() < columns)
+        m_row.append(emptyCell());
+    // The rows are already shared strings, so they go in as they are, not through the
+    // table's own interning: rows are made ahead in batches and then filled.
+    if (m_used >= m_table.rowCount())
+        m_table.setRowCount(m_used + qMax(FirstRowBatch, m_used / 2));
+    QStringList next;
+    next.reserve(columns);
+    m_table.mutableRow(m_used++).swap(m_row);
+    m_row.swap(next);
 }
 
-void RowSink::finish(ReadReport &report) const
+void RowSink::finish(ReadReport &report)
 {
+    if (m_table.rowCount() > m_used)
+        m_table.setRowCount(m_used);
     if (m_widths.size() > 1) {
         QStringList lines;
         lines << tr("Number of values per row vary:");

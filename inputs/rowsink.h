@@ -3,24 +3,66 @@
 #include "inputoptions.h"
 
 #include <QCoreApplication>
+
 #include <map>
+#include <vector>
 
 class Dataset;
 
+// Shares repeated texts of one column while a table is read: a cell equal to one seen
+// before becomes another reference to the same string, looked up before any string is
+// made. A column whose values hardly repeat (ids, free text) stops being pooled once the
+// pool is large, so that it costs neither time nor memory.
+class ValuePool
+{
+public:
+    explicit ValuePool(bool enabled = true);
+    // Appends the pooled string equal to the text to row, or a new one (added to the pool
+    // while it is on).
+    void append(QStringList &row, const QChar *data, int length);
+    void append(QStringList &row, const QString &value);
+    bool isEnabled() const { return m_enabled; }
+    int size() const { return m_count; }
+
+private:
+    struct Slot
+    {
+        uint hash = 0;
+        QString value; // null when the slot is free
+    };
+    void insert(QStringList &row, size_t index, uint hash, QString &value);
+    void grow();
+    std::vector<Slot> m_slots;
+    int m_count = 0;
+    qint64 m_lookups = 0;
+    qint64 m_hits = 0;
+    bool m_enabled;
+};
+
 // Where the line readers hand their rows: trims and simplifies cells, drops blank rows,
-// widens the table to the widest row and pads shorter ones, and keeps what the ragged
-// row warning and the empty row count tell.
+// widens the table to the widest row and pads shorter ones, shares repeated values, and
+// keeps what the ragged row warning and the empty row count tell. Rows are built a cell
+// at a time or handed over whole.
 class RowSink
 {
     Q_DECLARE_TR_FUNCTIONS(RowSink)
 public:
     RowSink(const InputOptions &options, Dataset &table);
+    ~RowSink();
+    RowSink(const RowSink &) = delete;
+    RowSink &operator=(const RowSink &) = delete;
 
-    // Adds one row; inputRow is its 0-based number among all input rows, ignored ones
-    // included. The cells may be changed.
-    void add(QStringList &row, int inputRow);
-    // Adds the ragged row warning and the empty row count to the report.
-    void finish(ReadReport &report) const;
+    // Adds a cell to the row being built.
+    void addCell(const QChar *data, int length);
+    bool rowIsEmpty() const { return m_row.isEmpty(); }
+    // Hands the row built so far on; inputRow is its 0-based number among all input rows,
+    // ignored ones included. With keep false the row is dropped.
+    void endRow(int inputRow, bool keep = true);
+    // Hands a whole row on.
+    void add(const QStringList &row, int inputRow);
+    // Sets the table's final row count and adds the ragged row warning and the empty row
+    // count to the report.
+    void finish(ReadReport &report);
 
     int emptyRows() const { return m_emptyRows; }
 
@@ -31,10 +73,17 @@ private:
         int firstInputRow = 0;
     };
 
+    ValuePool &pool(int column);
+    void store(int inputRow);
+
     Dataset &m_table;
-    bool m_trim;
-    bool m_simplify;
-    bool m_ignoreEmptyRows;
+    const bool m_trim;
+    const bool m_simplify;
+    const bool m_ignoreEmptyRows;
+    const bool m_pooling;
+    QStringList m_row;
+    std::vector<ValuePool> m_pools;
+    int m_used = 0; // rows filled; the table may hold blank rows beyond, made in batches
     int m_emptyRows = 0;
     std::map<int, Width> m_widths;
     Width *m_lastWidth = nullptr; // rows mostly share one width: skips the map lookup

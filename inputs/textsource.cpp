@@ -5,12 +5,27 @@
 #include <QTextDecoder>
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
 // Bytes decoded at a time: large enough that the per-chunk work vanishes, small enough
 // that the decoded chunk is still in the cache when the reader walks it.
 constexpr qint64 ChunkBytes = 256 * 1024;
+
+// In a codec of one-byte units a NUL character is a zero byte, and memchr finds those
+// far faster than a walk over the decoded text.
+qint64 countZeroBytes(const QByteArray &bytes)
+{
+    qint64 count = 0;
+    const char *position = bytes.constData();
+    const char *const end = position + bytes.size();
+    while ((position = static_cast<const char *>(std::memchr(position, 0, size_t(end - position))))) {
+        ++count;
+        ++position;
+    }
+    return count;
+}
 
 } // namespace
 
@@ -68,12 +83,16 @@ bool TextSource::fill()
         return false;
     }
     m_chunkBytes += bytes.size();
+    if (m_charWidth == 1)
+        m_nulCount += countZeroBytes(bytes);
     QString decoded = m_decoder->toUnicode(bytes);
     // A chunk never ends in a carriage return unless the input does, so that a reader
     // sees CR LF in one piece.
     while (decoded.endsWith(QLatin1Char('\r')) && !m_device->atEnd()) {
         bytes = m_device->read(16);
         m_chunkBytes += bytes.size();
+        if (m_charWidth == 1)
+            m_nulCount += countZeroBytes(bytes);
         decoded += m_decoder->toUnicode(bytes);
     }
     int from = 0;
@@ -85,7 +104,8 @@ bool TextSource::fill()
         m_buffer += decoded;
     }
     m_position = 0;
-    countNuls(from);
+    if (m_charWidth != 1)
+        countNuls(from);
     return true;
 }
 
