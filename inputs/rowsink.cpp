@@ -13,11 +13,9 @@ constexpr uint HashSeed = 0x9E3779B9u;
 constexpr int FirstPoolSlots = 16;
 constexpr int FirstRowBatch = 4096;
 
-const QString &emptyCell()
-{
-    static const QString empty(QLatin1String(""));
-    return empty;
-}
+// Empty, not null, like every blank cell of a table; its data is static, so copies of it
+// cost no reference counting.
+const QString EmptyCell(QLatin1String(""));
 
 } // namespace
 
@@ -31,7 +29,7 @@ namespace {
 // the list takes the shared empty string, which is then swapped for the new one.
 void appendOwned(QStringList &row, QString &value)
 {
-    row.append(emptyCell());
+    row.append(EmptyCell);
     row.last().swap(value);
 }
 
@@ -40,7 +38,7 @@ void appendOwned(QStringList &row, QString &value)
 void ValuePool::append(QStringList &row, const QChar *data, int length)
 {
     if (length == 0) {
-        row.append(emptyCell());
+        row.append(EmptyCell);
         return;
     }
     if (!m_enabled) {
@@ -72,7 +70,7 @@ void ValuePool::append(QStringList &row, const QChar *data, int length)
 void ValuePool::append(QStringList &row, const QString &value)
 {
     if (value.isEmpty()) {
-        row.append(emptyCell());
+        row.append(EmptyCell);
         return;
     }
     if (!m_enabled) {
@@ -138,6 +136,7 @@ RowSink::RowSink(const InputOptions &options, Dataset &table)
     , m_trim(options.trimWhitespace)
     , m_simplify(options.simplifyWhitespace)
     , m_ignoreEmptyRows(options.ignoreEmptyRows)
+    , m_changesCells(options.trimWhitespace || options.simplifyWhitespace)
     , m_pooling(Dataset::memoryMode() != 1)
     , m_used(table.rowCount())
 {
@@ -157,19 +156,13 @@ ValuePool &RowSink::pool(int column)
     return m_pools[size_t(column)];
 }
 
-void RowSink::addCell(const QChar *data, int length)
+void RowSink::addChangedCell(QString value)
 {
-    const int column = m_row.size();
-    if (m_trim || m_simplify) {
-        QString value(data, length);
-        if (m_trim)
-            value = value.trimmed();
-        if (m_simplify)
-            simplifyWhitespace(value);
-        pool(column).append(m_row, value);
-        return;
-    }
-    pool(column).append(m_row, data, length);
+    if (m_trim)
+        value = value.trimmed();
+    if (m_simplify)
+        simplifyWhitespace(value);
+    pool(m_row.size()).append(m_row, value);
 }
 
 void RowSink::endRow(int inputRow, bool keep)
@@ -184,15 +177,10 @@ void RowSink::endRow(int inputRow, bool keep)
 void RowSink::add(const QStringList &row, int inputRow)
 {
     for (const QString &cell : row) {
-        const int column = m_row.size();
-        if (m_trim || m_simplify) {
-            QString value = m_trim ? cell.trimmed() : cell;
-            if (m_simplify)
-                simplifyWhitespace(value);
-            pool(column).append(m_row, value);
-        } else {
-            pool(column).append(m_row, cell);
-        }
+        if (m_changesCells)
+            addChangedCell(cell);
+        else
+            pool(m_row.size()).append(m_row, cell);
     }
     store(inputRow);
 }
@@ -224,7 +212,7 @@ void RowSink::store(int inputRow)
         return;
     }
     while (m_row.size() < columns)
-        m_row.append(emptyCell());
+        m_row.append(EmptyCell);
     // The rows are already shared strings, so they go in as they are, not through the
     // table's own interning: rows are made ahead in batches and then filled.
     if (m_used >= m_table.rowCount())

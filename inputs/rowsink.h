@@ -53,7 +53,16 @@ public:
     RowSink &operator=(const RowSink &) = delete;
 
     // Adds a cell to the row being built.
-    void addCell(const QChar *data, int length);
+    void addCell(const QChar *data, int length)
+    {
+        const int column = m_row.size();
+        if (m_changesCells)
+            addChangedCell(QString(data, length));
+        else if (column < int(m_pools.size()))
+            m_pools[size_t(column)].append(m_row, data, length);
+        else
+            pool(column).append(m_row, data, length);
+    }
     bool rowIsEmpty() const { return m_row.isEmpty(); }
     // Hands the row built so far on; inputRow is its 0-based number among all input rows,
     // ignored ones included. With keep false the row is dropped.
@@ -74,12 +83,14 @@ private:
     };
 
     ValuePool &pool(int column);
+    void addChangedCell(QString value);
     void store(int inputRow);
 
     Dataset &m_table;
     const bool m_trim;
     const bool m_simplify;
     const bool m_ignoreEmptyRows;
+    const bool m_changesCells; // trimmed or simplified
     const bool m_pooling;
     QStringList m_row;
     std::vector<ValuePool> m_pools;

@@ -11,7 +11,7 @@ namespace {
 
 // Bytes decoded at a time: large enough that the per-chunk work vanishes, small enough
 // that the decoded chunk is still in the cache when the reader walks it.
-constexpr qint64 ChunkBytes = 256 * 1024;
+constexpr qint64 ChunkBytes = 64 * 1024;
 
 // In a codec of one-byte units a NUL character is a zero byte, and memchr finds those
 // far faster than a walk over the decoded text.
