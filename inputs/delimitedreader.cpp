@@ -152,6 +152,30 @@ private:
         const char16_t *const end = p + length;
         int state = m_state;
         while (p < end) {
+            if ((state == 0 || state == 5 || state == 6) && *p != u'"') {
+                // Most cells hold no quote: from the cell's start straight to its end.
+                const char16_t *q = findAny(p, end, m_delimiter, u'\n', u'\r');
+                if (q == end) {
+                    if (!append(p, q))
+                        return false;
+                    state = 1;
+                    break;
+                }
+                const int length = int(q - p);
+                if (*q == m_delimiter) {
+                    if (length > 0 || !m_ignoreRepeated)
+                        m_sink.addCell(reinterpret_cast<const QChar *>(p), length);
+                    state = 5;
+                } else {
+                    m_sink.addCell(reinterpret_cast<const QChar *>(p), length);
+                    if (*q == u'\r' && q + 1 < end && q[1] == u'\n')
+                        ++q;
+                    finishRow();
+                    state = 6;
+                }
+                p = q + 1;
+                continue;
+            }
             const char16_t c = *p;
             const int kind = classOf(c);
             // Outside quotes CR LF is one line break: the CR is skipped. A block never

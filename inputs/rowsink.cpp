@@ -23,27 +23,14 @@ ValuePool::ValuePool(bool enabled)
     : m_enabled(enabled)
 { }
 
-namespace {
-
-// Appends a string the row is to own alone without touching its reference count twice:
-// the list takes the shared empty string, which is then swapped for the new one.
-void appendOwned(QStringList &row, QString &value)
+void ValuePool::put(QString &cell, const QChar *data, int length)
 {
-    row.append(EmptyCell);
-    row.last().swap(value);
-}
-
-} // namespace
-
-void ValuePool::append(QStringList &row, const QChar *data, int length)
-{
-    if (length == 0) {
-        row.append(EmptyCell);
+    if (length == 0)
         return;
-    }
     if (!m_enabled) {
+        // Swapped in, so that neither string's count is touched.
         QString made(data, length);
-        appendOwned(row, made);
+        cell.swap(made);
         return;
     }
     if (m_slots.empty())
@@ -59,22 +46,21 @@ void ValuePool::append(QStringList &row, const QChar *data, int length)
         if (slot.hash == hash && slot.value.size() == length
             && std::memcmp(slot.value.constData(), data, size_t(length) * sizeof(QChar)) == 0) {
             ++m_hits;
-            row.append(slot.value);
+            cell = slot.value;
             return;
         }
     }
     QString made(data, length);
-    insert(row, index, hash, made);
+    cell.swap(made);
+    insert(index, hash, cell);
 }
 
-void ValuePool::append(QStringList &row, const QString &value)
+void ValuePool::put(QString &cell, const QString &value)
 {
-    if (value.isEmpty()) {
-        row.append(EmptyCell);
+    if (value.isEmpty())
         return;
-    }
     if (!m_enabled) {
-        row.append(value);
+        cell = value;
         return;
     }
     if (m_slots.empty())
@@ -89,28 +75,26 @@ void ValuePool::append(QStringList &row, const QString &value)
             break;
         if (slot.hash == hash && slot.value == value) {
             ++m_hits;
-            row.append(slot.value);
+            cell = slot.value;
             return;
         }
     }
-    QString copy = value;
-    insert(row, index, hash, copy);
+    cell = value;
+    insert(index, hash, value);
 }
 
-void ValuePool::insert(QStringList &row, size_t index, uint hash, QString &value)
+void ValuePool::insert(size_t index, uint hash, const QString &value)
 {
     if (m_count >= PoolLimit && m_hits * 2 < m_lookups) {
         // Nearly every value is new: pooling would only cost. The cells already taken
         // from the pool keep their strings.
         m_enabled = false;
         std::vector<Slot>().swap(m_slots);
-        appendOwned(row, value);
         return;
     }
     Slot &slot = m_slots[index];
     slot.hash = hash;
     slot.value = value;
-    appendOwned(row, value);
     if (++m_count * 2 > int(m_slots.size()))
         grow();
 }
@@ -140,7 +124,32 @@ RowSink::RowSink(const InputOptions &options, Dataset &table)
     , m_pooling(Dataset::memoryMode() != 1)
     , m_used(table.rowCount())
 {
-    m_row.reserve(qMax(table.columnCount(), 8));
+    setBlankRowWidth(table.columnCount());
+    startRow();
+}
+
+void RowSink::setBlankRowWidth(int width)
+{
+    // Every row is a copy of this list and takes its capacity, so it has no room to spare.
+    QStringList blank;
+    blank.reserve(width);
+    for (int c = 0; c < width; ++c)
+        blank.append(EmptyCell);
+    m_blankRow.swap(blank);
+}
+
+void RowSink::widenRow()
+{
+    m_row.append(EmptyCell);
+    m_cells = &m_row[0];
+}
+
+void RowSink::startRow()
+{
+    m_row = m_blankRow;
+    m_row.detach();
+    m_cells = m_row.isEmpty() ? nullptr : &m_row[0];
+    m_count = 0;
 }
 
 RowSink::~RowSink()
@@ -162,37 +171,49 @@ void RowSink::addChangedCell(QString value)
         value = value.trimmed();
     if (m_simplify)
         simplifyWhitespace(value);
-    pool(m_row.size()).append(m_row, value);
+    const int column = m_count;
+    pool(column).put(nextCell(), value);
 }
 
 void RowSink::endRow(int inputRow, bool keep)
 {
     if (keep) {
         store(inputRow);
-    } else {
-        m_row.erase(m_row.begin(), m_row.end());
+        return;
     }
+    if (m_row.size() != m_blankRow.size()) {
+        startRow(); // a dropped row wider than the table mustn't widen the next one
+        return;
+    }
+    for (int c = 0; c < m_count; ++c)
+        m_cells[c] = EmptyCell;
+    m_count = 0;
 }
 
 void RowSink::add(const QStringList &row, int inputRow)
 {
     for (const QString &cell : row) {
-        if (m_changesCells)
+        if (m_changesCells) {
             addChangedCell(cell);
-        else
-            pool(m_row.size()).append(m_row, cell);
+        } else {
+            const int column = m_count;
+            pool(column).put(nextCell(), cell);
+        }
     }
     store(inputRow);
 }
 
 void RowSink::store(int inputRow)
 {
-    if (m_ignoreEmptyRows && Dataset::isBlank(m_row)) {
+    const int values = m_count;
+    bool blank = true;
+    for (int c = 0; c < values && blank; ++c)
+        blank = m_cells[c].isEmpty();
+    if (m_ignoreEmptyRows && blank) {
         ++m_emptyRows;
-        m_row.erase(m_row.begin(), m_row.end());
+        endRow(inputRow, false);
         return;
     }
-    const int values = m_row.size();
     if (values != m_lastWidthValues) {
         auto found = m_widths.find(values);
         if (found == m_widths.end())
@@ -205,22 +226,23 @@ void RowSink::store(int inputRow)
         // Earlier rows gain empty cells; the blank rows made ahead go first.
         m_table.setRowCount(m_used);
         m_table.setColumnCount(values);
+        setBlankRowWidth(values);
     }
     const int columns = m_table.columnCount();
     if (columns == 0) {
-        m_row.erase(m_row.begin(), m_row.end());
+        endRow(inputRow, false);
         return;
     }
     while (m_row.size() < columns)
         m_row.append(EmptyCell);
+    if (m_row.size() > columns)
+        m_row.erase(m_row.begin() + columns, m_row.end());
     // The rows are already shared strings, so they go in as they are, not through the
     // table's own interning: rows are made ahead in batches and then filled.
     if (m_used >= m_table.rowCount())
         m_table.setRowCount(m_used + qMax(FirstRowBatch, m_used / 2));
-    QStringList next;
-    next.reserve(columns);
     m_table.mutableRow(m_used++).swap(m_row);
-    m_row.swap(next);
+    startRow();
 }
 
 void RowSink::finish(ReadReport &report)

@@ -17,10 +17,10 @@ class ValuePool
 {
 public:
     explicit ValuePool(bool enabled = true);
-    // Appends the pooled string equal to the text to row, or a new one (added to the pool
-    // while it is on).
-    void append(QStringList &row, const QChar *data, int length);
-    void append(QStringList &row, const QString &value);
+    // Puts the pooled string equal to the text into cell, or a new one (added to the pool
+    // while it is on). The cell holds the shared empty string before.
+    void put(QString &cell, const QChar *data, int length);
+    void put(QString &cell, const QString &value);
     bool isEnabled() const { return m_enabled; }
     int size() const { return m_count; }
 
@@ -30,7 +30,7 @@ private:
         uint hash = 0;
         QString value; // null when the slot is free
     };
-    void insert(QStringList &row, size_t index, uint hash, QString &value);
+    void insert(size_t index, uint hash, const QString &value);
     void grow();
     std::vector<Slot> m_slots;
     int m_count = 0;
@@ -55,15 +55,15 @@ public:
     // Adds a cell to the row being built.
     void addCell(const QChar *data, int length)
     {
-        const int column = m_row.size();
+        const int column = m_count;
         if (m_changesCells)
             addChangedCell(QString(data, length));
         else if (column < int(m_pools.size()))
-            m_pools[size_t(column)].append(m_row, data, length);
+            m_pools[size_t(column)].put(nextCell(), data, length);
         else
-            pool(column).append(m_row, data, length);
+            pool(column).put(nextCell(), data, length);
     }
-    bool rowIsEmpty() const { return m_row.isEmpty(); }
+    bool rowIsEmpty() const { return m_count == 0; }
     // Hands the row built so far on; inputRow is its 0-based number among all input rows,
     // ignored ones included. With keep false the row is dropped.
     void endRow(int inputRow, bool keep = true);
@@ -83,6 +83,17 @@ private:
     };
 
     ValuePool &pool(int column);
+    // The next cell of the row: rows start as a copy of a row of shared empty strings as
+    // wide as the table, so that a cell is filled in place and a short row is padded.
+    QString &nextCell()
+    {
+        if (m_count == m_row.size())
+            widenRow();
+        return m_cells[m_count++];
+    }
+    void setBlankRowWidth(int width);
+    void widenRow();
+    void startRow();
     void addChangedCell(QString value);
     void store(int inputRow);
 
@@ -92,7 +103,10 @@ private:
     const bool m_ignoreEmptyRows;
     const bool m_changesCells; // trimmed or simplified
     const bool m_pooling;
+    QStringList m_blankRow;
     QStringList m_row;
+    QString *m_cells = nullptr; // m_row's strings, which a QStringList keeps side by side
+    int m_count = 0; // cells filled in m_row
     std::vector<ValuePool> m_pools;
     int m_used = 0; // rows filled; the table may hold blank rows beyond, made in batches
     int m_emptyRows = 0;

@@ -166,6 +166,9 @@ bool TextSource::readLine(QString &line)
     }
     if (!found)
         return false;
+    // A carriage return that ends the text ends the line; it isn't part of it.
+    if (carry.endsWith(QLatin1Char('\r')))
+        carry.chop(1);
     line = carry;
     return true;
 }

@@ -78,6 +78,8 @@ void TestDelimitedReader::read_data()
     row("comma unquoted when asked", QByteArray("\"a,b\",c\n"), comma + " quoting=2", "\"a|b\"|c");
     row("unquoted: CR inside a line ends a row", QByteArray("a,b\rc\r\nd\n"), comma + " quoting=2",
         "a|b\nc|\nd|");
+    row("unquoted: CR at the very end ends the line", QByteArray("a\tb\r"), "delimiter=4 empty=0", "a|b");
+    row("quoted: CR at the very end ends the row", QByteArray("a,b\r"), comma + " empty=0", "a|b");
     row("unquoted: repeated delimiters", QByteArray(",,a,,b\n"), comma + " quoting=2 repeated=1", "|a|b");
     row("unquoted: first rows", QByteArray("x\ny\rz\na,b"), comma + " quoting=2 first=3", "a|b");
     row("UTF-8 text", QByteArray("\xc3\xa9t\xc3\xa9,\xe2\x82\xac\n"), comma,
