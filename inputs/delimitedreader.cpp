@@ -35,6 +35,7 @@ constexpr quint8 NextState[7][4] = {
 constexpr int BlockChars = 2048;
 constexpr qint64 QuotedProgressChars = 50000;
 constexpr qint64 LineProgressChars = 50000;
+constexpr qint64 PlainProgressChars = 10000;
 
 QString tr(const char *text)
 {
@@ -265,51 +266,101 @@ private:
     int m_quoteRow = 0;
 };
 
-void collapseRepeated(QString &line, QChar delimiter)
+// Rows split at line breaks (LF, CR LF or a lone CR) and, when there is a delimiter,
+// cells split at it, with no meaning for quotes. This is what reading line by line and
+// splitting each line at its carriage returns and delimiters gives, done a block at a
+// time. With repeated delimiters ignored, a run of them counts as one.
+class LineReader
 {
-    if (!line.contains(delimiter))
-        return;
-    QString collapsed;
-    collapsed.reserve(line.size());
-    QChar previous;
-    bool first = true;
-    for (const QChar c : qAsConst(line)) {
-        if (c == delimiter && !first && previous == delimiter)
-            continue;
-        collapsed.append(c);
-        previous = c;
-        first = false;
-    }
-    line = collapsed;
-}
+public:
+    LineReader(const InputOptions &options, Dataset &table, QChar delimiter, qint64 progressChars)
+        : m_sourceName(options.sourceName())
+        , m_sink(options, table)
+        , m_split(!delimiter.isNull())
+        , m_collapse(options.ignoreRepeatedDelimiter && !delimiter.isNull())
+        , m_ignoreFirstRows(options.ignoreFirstRows)
+        , m_delimiter(delimiter.isNull() ? u'\n' : delimiter.unicode())
+        , m_progressChars(progressChars)
+    { }
 
-bool readUnquoted(
-    TextSource &source, const InputOptions &options, QChar delimiter, Dataset &table, ReadReport &report)
-{
-    RowSink sink(options, table);
-    QString line;
-    int inputRow = 0;
-    qint64 sinceProgress = 0;
-    while (source.readLine(line)) {
-        sinceProgress += line.size() + 1;
-        if (sinceProgress >= LineProgressChars) {
-            sinceProgress = 0;
-            report.reportProgress(source.progress());
+    bool read(TextSource &source, ReadReport &report)
+    {
+        const QChar *data = nullptr;
+        int length = 0;
+        qint64 sinceProgress = 0;
+        while (source.readBlock(BlockChars, data, length)) {
+            if (!readBlock(reinterpret_cast<const char16_t *>(data), length)) {
+                report.warnings.prepend(tr("'%1' is too big for Tabrelle to read").arg(m_sourceName));
+                return false;
+            }
+            sinceProgress += length;
+            if (sinceProgress >= m_progressChars) {
+                sinceProgress = 0;
+                report.reportProgress(source.progress());
+            }
         }
-        if (options.ignoreRepeatedDelimiter)
-            collapseRepeated(line, delimiter);
-        // A carriage return inside a line also ends a row.
-        const QStringList parts =
-            line.contains(QLatin1Char('\r')) ? line.split(QLatin1Char('\r')) : QStringList {line};
-        for (const QString &part : parts) {
-            if (inputRow >= options.ignoreFirstRows)
-                sink.add(part.split(delimiter), inputRow);
-            ++inputRow;
+        if (!m_cell.isEmpty() || !m_sink.rowIsEmpty()) {
+            addCell(nullptr, 0);
+            m_sink.endRow(m_rowNumber, m_rowNumber >= m_ignoreFirstRows);
         }
+        m_sink.finish(report);
+        return true;
     }
-    sink.finish(report);
-    return true;
-}
+
+private:
+    void addCell(const char16_t *data, int length)
+    {
+        if (m_cell.isEmpty()) {
+            m_sink.addCell(reinterpret_cast<const QChar *>(data), length);
+            return;
+        }
+        m_cell.append(reinterpret_cast<const QChar *>(data), length);
+        m_sink.addCell(m_cell.constData(), m_cell.size());
+        m_cell.clear();
+    }
+
+    bool readBlock(const char16_t *p, int length)
+    {
+        const char16_t *const end = p + length;
+        while (p < end) {
+            const char16_t *q = findAny(p, end, m_delimiter, u'\n', u'\r');
+            if (q == end) {
+                if (m_cell.size() + (end - p) > TextSource::MaxChars)
+                    return false;
+                m_cell.append(reinterpret_cast<const QChar *>(p), int(end - p));
+                break;
+            }
+            const int count = int(q - p);
+            if (m_split && *q == m_delimiter) {
+                const bool repeated = m_collapse && m_afterDelimiter && count == 0 && m_cell.isEmpty();
+                if (!repeated)
+                    addCell(p, count);
+                m_afterDelimiter = true;
+            } else {
+                addCell(p, count);
+                m_sink.endRow(m_rowNumber, m_rowNumber >= m_ignoreFirstRows);
+                ++m_rowNumber;
+                m_afterDelimiter = false;
+                // A block never ends in CR unless the text does.
+                if (*q == u'\r' && q + 1 < end && q[1] == u'\n')
+                    ++q;
+            }
+            p = q + 1;
+        }
+        return true;
+    }
+
+    const QString m_sourceName;
+    RowSink m_sink;
+    const bool m_split;
+    const bool m_collapse;
+    const int m_ignoreFirstRows;
+    const char16_t m_delimiter; // a line feed when rows are not split into cells
+    const qint64 m_progressChars;
+    QString m_cell; // the part of a cell that began in an earlier block
+    bool m_afterDelimiter = false;
+    int m_rowNumber = 0;
+};
 
 } // namespace
 
@@ -386,6 +437,17 @@ int guess(const QString &sample, ReadReport &report)
     report.information
         << tr("First %1 characters contain: %2").arg(sample.size()).arg(counts.join(QStringLiteral(", ")));
     return winner;
+}
+
+bool readUnquoted(
+    TextSource &source, const InputOptions &options, QChar delimiter, Dataset &table, ReadReport &report)
+{
+    LineReader reader(options, table, delimiter, delimiter.isNull() ? PlainProgressChars : LineProgressChars);
+    if (!reader.read(source, report)) {
+        table = Dataset();
+        return false;
+    }
+    return true;
 }
 
 } // namespace DelimitedReader

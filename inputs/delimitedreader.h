@@ -31,6 +31,10 @@ QString label(int delimiter);
 // The delimiter that sample uses most, among comma, semi-colon, pipe, caret, tab and unit
 // separator (the first of those that tie; comma when none occurs). Adds its two lines.
 int guess(const QString &sample, ReadReport &report);
+// Rows at line breaks, cells at the delimiter, quotes as text; a null delimiter makes
+// each line one cell.
+bool readUnquoted(
+    TextSource &source, const InputOptions &options, QChar delimiter, Dataset &table, ReadReport &report);
 
 } // namespace DelimitedReader
 

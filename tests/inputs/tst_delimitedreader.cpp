@@ -103,32 +103,42 @@ void TestDelimitedReader::read()
 
 void TestDelimitedReader::blockBoundaries_data()
 {
-    // The reader takes 2,048 characters at a time: a line break, a quote pair or a cell
-    // may fall across the edge.
+    // The readers take 2,048 characters at a time: a line break, a quote pair, a run of
+    // delimiters or a cell may fall across the edge.
     QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("options");
     QTest::addColumn<int>("rows");
-    QTest::addColumn<QString>("lastRowStart"); // the first cell of the last row
+    QTest::addColumn<QString>("lastRow"); // cells joined by "|"
 
     const QByteArray filler(2046, 'x');
-    row("CR LF across the edge", filler + ",\r\nlast", 2, "last");
-    row("CR LF across the edge inside quotes", "\"" + filler + "\r\nlast\"", 1, QString(filler) + "\r\nlast");
-    row("doubled quote across the edge", "\"" + filler + "\"\"\"", 1, QString(filler) + "\"");
-    row("cell longer than a block", QByteArray(5000, 'y') + ",z", 1, QString(5000, 'y'));
+    const QString x(filler);
+    const QString quoted = QStringLiteral("delimiter=1 empty=0");
+    const QString tab = QStringLiteral("delimiter=4 empty=0");
+    row("CR LF across the edge", filler + ",\r\nlast", quoted, 2, "last|");
+    row("CR LF across the edge inside quotes", "\"" + filler + "\r\nlast\"", quoted, 1, x + "\r\nlast");
+    row("doubled quote across the edge", "\"" + filler + "\"\"\"", quoted, 1, x + "\"");
+    row("cell longer than a block", QByteArray(5000, 'y') + ",z", quoted, 1, QString(5000, 'y') + "|z");
     // Nine lone CRs end nine rows, the tenth with its LF one more.
-    row("many CRs at the edge", QByteArray(2047, 'a') + QByteArray(10, '\r') + "\nb", 11, "b");
+    row("many CRs at the edge", QByteArray(2047, 'a') + QByteArray(10, '\r') + "\nb", quoted, 11, "b");
+    row("unquoted: cell longer than a block", QByteArray(5000, 'y') + "\tz\nw", tab, 2, "w|");
+    row("unquoted: CR LF across the edge", filler + "\t\r\nlast", tab, 2, "last|");
+    row("unquoted: repeated delimiters across the edge", QByteArray(2047, 'a') + ",,,b",
+        "delimiter=1 quoting=2 repeated=1", 1, QString(2047, 'a') + "|b");
+    row("unquoted: line longer than a block", QByteArray(5000, 'p') + "\r\nq", "delimiter=1 quoting=2", 2,
+        "q");
 }
 
 void TestDelimitedReader::blockBoundaries()
 {
     QFETCH(QByteArray, bytes);
+    QFETCH(QString, options);
     QFETCH(int, rows);
-    QFETCH(QString, lastRowStart);
+    QFETCH(QString, lastRow);
     Dataset table;
     ReadReport report;
-    const InputOptions options = readertest::options(QStringLiteral("delimiter=1 empty=0"));
-    QVERIFY(readertest::read(readDelimited, bytes, options, table, report));
+    QVERIFY(readertest::read(readDelimited, bytes, readertest::options(options), table, report));
     QCOMPARE(table.rowCount(), rows);
-    QCOMPARE(table.cell(table.lastRow(), 0), lastRowStart);
+    QCOMPARE(table.row(table.lastRow()).join(QLatin1Char('|')), lastRow);
 }
 
 void TestDelimitedReader::delimiterGuess_data()
@@ -242,6 +252,7 @@ void TestDelimitedReader::plainText_data()
     row("empty lines kept", QByteArray("a\n\nb"), "empty=0", "a\n\nb", "");
     row("first rows", QByteArray("x\ny\na\n"), "first=2", "a", "");
     row("simplify", QByteArray("a\tb\n"), "simplify=1", "a b", "");
+    row("line longer than a block", QByteArray(5000, 'p') + "\r\nq", "", QString(5000, 'p') + "\nq", "");
 }
 
 void TestDelimitedReader::plainText()
