@@ -17,6 +17,18 @@ constexpr int FirstRowBatch = 4096;
 // cost no reference counting.
 const QString EmptyCell(QLatin1String(""));
 
+// Cells are mostly short: a plain loop beats a call to memcmp.
+inline bool sameText(const QChar *a, const QChar *b, int length)
+{
+    if (length > 16)
+        return std::memcmp(a, b, size_t(length) * sizeof(QChar)) == 0;
+    for (int i = 0; i < length; ++i) {
+        if (a[i] != b[i])
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 ValuePool::ValuePool(bool enabled)
@@ -44,9 +56,10 @@ void ValuePool::put(QString &cell, const QChar *data, int length)
         if (slot.value.isNull())
             break;
         if (slot.hash == hash && slot.value.size() == length
-            && std::memcmp(slot.value.constData(), data, size_t(length) * sizeof(QChar)) == 0) {
+            && sameText(slot.value.constData(), data, length)) {
             ++m_hits;
-            cell = slot.value;
+            QString shared(slot.value);
+            cell.swap(shared);
             return;
         }
     }
@@ -75,7 +88,8 @@ void ValuePool::put(QString &cell, const QString &value)
             break;
         if (slot.hash == hash && slot.value == value) {
             ++m_hits;
-            cell = slot.value;
+            QString shared(slot.value);
+            cell.swap(shared);
             return;
         }
     }
