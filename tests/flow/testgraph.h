@@ -40,9 +40,9 @@ private:
 class TestGraph
 {
 public:
-    explicit TestGraph(const QString &spec)
+    explicit TestGraph(const QString &layout)
     {
-        const QStringList parts = spec.split(QLatin1Char('|'));
+        const QStringList parts = layout.split(QLatin1Char('|'));
         static const QRegularExpression token(
             QStringLiteral("^(\\w+)(?::(\\d+)/(\\d+))?(?:@(-?\\d+),(-?\\d+))?$"));
         int id = 1;

@@ -98,9 +98,9 @@ void putFile(const QString &path, const QByteArray &bytes)
 }
 
 // "key=value;...": mode, bom, header, ifempty, encoding, lines.
-void applySpec(OutputOptions &options, const QString &spec)
+void applyOptionText(OutputOptions &options, const QString &optionText)
 {
-    for (const QString &item : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    for (const QString &item : optionText.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         const QString key = item.section(QLatin1Char('='), 0, 0);
         const QString value = item.section(QLatin1Char('='), 1);
         if (key == QLatin1String("mode"))
@@ -197,7 +197,7 @@ void TestOutputPipeline::initTestCase()
 
 void TestOutputPipeline::modes_data()
 {
-    QTest::addColumn<QString>("spec");
+    QTest::addColumn<QString>("optionText");
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
     QTest::addColumn<int>("status");
@@ -253,13 +253,13 @@ void TestOutputPipeline::modes_data()
 
 void TestOutputPipeline::modes()
 {
-    QFETCH(QString, spec);
+    QFETCH(QString, optionText);
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
     QFETCH(int, status);
     QFETCH(QString, messages);
     Flow flow;
-    flow.set([&spec](OutputOptions &options) { applySpec(options, spec); });
+    flow.set([&optionText](OutputOptions &options) { applyOptionText(options, optionText); });
     putFile(flow.path(QStringLiteral("out.csv")), before);
     flow.run();
     QCOMPARE(contents(flow.path(QStringLiteral("out.csv"))), after);
@@ -340,7 +340,7 @@ void TestOutputPipeline::messages()
 
 void TestOutputPipeline::decisions_data()
 {
-    QTest::addColumn<QString>("spec");
+    QTest::addColumn<QString>("optionText");
     QTest::addColumn<QString>("name");
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QString>("sheet");
@@ -384,14 +384,14 @@ void TestOutputPipeline::decisions_data()
 
 void TestOutputPipeline::decisions()
 {
-    QFETCH(QString, spec);
+    QFETCH(QString, optionText);
     QFETCH(QString, name);
     QFETCH(QByteArray, before);
     QFETCH(QString, sheet);
     QFETCH(bool, bom);
     QFETCH(bool, header);
     Flow flow;
-    flow.set([&spec](OutputOptions &options) { applySpec(options, spec); });
+    flow.set([&optionText](OutputOptions &options) { applyOptionText(options, optionText); });
     const QString path = flow.path(name);
     putFile(path, before);
     QCOMPARE(flow.output->byteOrderMarkDecision(path), bom);
