@@ -127,6 +127,10 @@ QString boolText(bool value)
     return value ? QStringLiteral("1") : QStringLiteral("0");
 }
 
+constexpr int MaximumFileId = 999999999;
+// Canvas positions further out than this are taken as unreadable.
+constexpr double MaximumCoordinate = 1e7;
+
 QString pluralText(int count, const QString &singular, const QString &plural)
 {
     return count == 1 ? singular : plural;
@@ -142,6 +146,14 @@ QString formatErrorText(const DocumentParseResult &parsed)
         .arg(program().productName);
 }
 
+// An item's id, or -1 for none. Ids past a billion are taken as none, so that the id
+// counter, which moves past every id read, can never run over.
+int fileIdOf(const DocumentElement &element)
+{
+    const int id = element.intValue(QStringLiteral("id"), -1);
+    return id >= 0 && id <= MaximumFileId ? id : -1;
+}
+
 // Makes the items of root in the scene and connects them. With newIds every item gets
 // a fresh id (a paste); otherwise each keeps the id it was saved with, unless another
 // item already has it. Returns what the read dropped.
@@ -154,7 +166,7 @@ QString buildItems(const DocumentElement &root, GraphScene &scene, DocumentReadC
     for (const QString &group : groupNames()) {
         if (const DocumentElement *groupElement = root.firstChild(group)) {
             for (const DocumentElement &element : groupElement->children())
-                largestId = qMax(largestId, element.intValue(QStringLiteral("id"), -1));
+                largestId = qMax(largestId, fileIdOf(element));
         }
     }
     if (!newIds && largestId >= 0)
@@ -186,7 +198,7 @@ QString buildItems(const DocumentElement &root, GraphScene &scene, DocumentReadC
                 node = factory()->create(type->nodeTypeName);
             if (!node)
                 continue;
-            const int fileId = element->intValue(QStringLiteral("id"), -1);
+            const int fileId = fileIdOf(*element);
             if (type->read)
                 type->read(*node, *element, context);
             const bool keepId = !newIds && fileId >= 0 && !usedIds.contains(fileId);
@@ -665,7 +677,9 @@ void readPosition(Node &node, const DocumentElement &element)
 {
     const QString name =
         element.hasAttribute(QStringLiteral("pos_v12")) ? QStringLiteral("pos_v12") : QStringLiteral("pos");
-    node.setPos(element.point(name));
+    const QPointF point = element.point(name);
+    const bool near = qAbs(point.x()) <= MaximumCoordinate && qAbs(point.y()) <= MaximumCoordinate;
+    node.setPos(near ? point : QPointF());
 }
 
 } // namespace Document

@@ -58,73 +58,6 @@ DocumentElement firstItem(const QByteArray &text, const QString &group)
     return groupElement->children().first();
 }
 
-// One option of a read item as text, by a short key, so that a table row names it.
-QString optionText(const Node *node, const QString &key)
-{
-    if (key == QLatin1String("pos"))
-        return QStringLiteral("%1,%2").arg(node->pos().x()).arg(node->pos().y());
-    if (key == QLatin1String("id"))
-        return QString::number(node->id());
-    if (key == QLatin1String("comment"))
-        return node->comment();
-    if (const auto *input = qobject_cast<const InputNode *>(node)) {
-        const InputOptions o = input->options();
-        const InputSchemaSettings schema = InputDocument::schemaSettings(*input);
-        const QHash<QString, QString> values {
-            {QStringLiteral("medium"), QString::number(o.source)},
-            {QStringLiteral("header"), QString::number(o.hasHeader)},
-            {QStringLiteral("ignored_rows"), QString::number(o.ignoreFirstRows)},
-            {QStringLiteral("arrays"), QString::number(o.arraysAsRows)},
-            {QStringLiteral("ignore_empty"), QString::number(o.ignoreEmptyRows)},
-            {QStringLiteral("hidden"),
-                QStringLiteral("%1,%2").arg(o.ignoreHiddenExcelColumns).arg(o.ignoreHiddenExcelRows)},
-            {QStringLiteral("meta"), QString::number(o.metaInformation)},
-            {QStringLiteral("meta_col_name"), o.metaInformationColumnName},
-            {QStringLiteral("schema"), schema.columnNames.join(QLatin1Char('|'))},
-            {QStringLiteral("path"), o.path},
-            {QStringLiteral("file_type"), QString::number(o.fileType)},
-            {QStringLiteral("delimiter"), QString::number(o.delimiter)},
-            {QStringLiteral("custom_delimiter"),
-                o.customDelimiter.isNull() ? QString() : QString(o.customDelimiter)},
-            {QStringLiteral("auto_widths"), QString::number(o.fixedWidthColumns)},
-            {QStringLiteral("widths"),
-                [&o] {
-                    QStringList widths;
-                    for (const int width : o.columnWidths)
-                        widths << QString::number(width);
-                    return widths.join(QLatin1Char(','));
-                }()},
-            {QStringLiteral("encoding"), o.encoding},
-            {QStringLiteral("text"), input->text()},
-            {QStringLiteral("name"), input->Node::name()},
-        };
-        return values.value(key, QStringLiteral("?"));
-    }
-    if (const auto *output = qobject_cast<const OutputNode *>(node)) {
-        const OutputOptions o = output->options();
-        const QHash<QString, QString> values {
-            {QStringLiteral("write_mode"), QString::number(o.writeMode)},
-            {QStringLiteral("files_column"), QString::number(o.filesColumn)},
-            {QStringLiteral("multi"), QString::number(o.outputTo)},
-            {QStringLiteral("encoding"), o.encoding},
-            {QStringLiteral("bom"), QString::number(o.byteOrderMark)},
-            {QStringLiteral("xml_root"), o.xmlRootName},
-            {QStringLiteral("xml_row"), o.xmlRowName},
-            {QStringLiteral("file_comment"), o.fileComment},
-            {QStringLiteral("header_if_empty"), QString::number(o.writeHeaderOnlyIfEmpty)},
-            {QStringLiteral("file_type"), QString::number(o.fileType)},
-        };
-        return values.value(key, QStringLiteral("?"));
-    }
-    if (const auto *note = qobject_cast<const NoteNode *>(node)) {
-        if (key == QLatin1String("color"))
-            return note->color().name();
-        if (key == QLatin1String("arrow"))
-            return QString::number(note->arrow());
-    }
-    return QStringLiteral("?");
-}
-
 } // namespace
 
 class TestDocument : public QObject
@@ -135,11 +68,11 @@ private slots:
     void cleanupTestCase();
     void readErrors_data();
     void readErrors();
-    void attributeDefaults_data();
-    void attributeDefaults();
+    void attributes_data();
+    void attributes();
     void roundTrip_data();
     void roundTrip();
-    void everyOptionRoundTrip();
+    void optionsToAttributes();
     void textsSurvive_data();
     void textsSurvive();
     void connections_data();
@@ -161,7 +94,7 @@ private slots:
     void pasteErrors_data();
     void pasteErrors();
     void saveFailures();
-    void lastSavedBy();
+    void writtenText();
 
 private:
     bool read(const QByteArray &text, GraphScene &scene, DocumentProperties *properties = nullptr,
@@ -266,149 +199,116 @@ void TestDocument::readErrors()
     QCOMPARE(scene.nodes(), QList<Node *> {existing});
 }
 
-void TestDocument::attributeDefaults_data()
+void TestDocument::attributes_data()
 {
     QTest::addColumn<QString>("body");
     QTest::addColumn<int>("version");
-    QTest::addColumn<QString>("option");
-    QTest::addColumn<QString>("expected");
+    QTest::addColumn<QString>("expected"); // attributes of the item as written back, "~" for U+001F
 
-    const QString bare = QStringLiteral("<inputs><input id=\"1\"/></inputs>");
-    QTest::newRow("input medium: file without text") << bare << 84 << "medium"
-                                                     << "0";
-    QTest::newRow("input medium: clipboard with text only")
-        << "<inputs><input id=\"1\" text=\"a%2Cb\"/></inputs>" << 84 << "medium"
-        << "1";
-    QTest::newRow("input medium: file when path and text")
-        << "<inputs><input id=\"1\" text=\"a\" path=\"x.csv\"/></inputs>" << 84 << "medium"
-        << "0";
-    QTest::newRow("input header") << bare << 84 << "header"
-                                  << "0";
-    QTest::newRow("input header guessed")
-        << "<inputs><input id=\"1\" header=\"2\"/></inputs>" << 84 << "header"
-        << "2";
-    QTest::newRow("input arrays as rows") << bare << 84 << "arrays"
-                                          << "1";
-    QTest::newRow("input ignore empty") << bare << 84 << "ignore_empty"
-                                        << "1";
-    QTest::newRow("input meta column name") << bare << 84 << "meta_col_name"
-                                            << "Meta Info";
-    QTest::newRow("input meta mode 3") << "<inputs><input id=\"1\" show_meta=\"3\"/></inputs>" << 84 << "meta"
-                                       << "3";
-    QTest::newRow("input meta mode nonsense")
-        << "<inputs><input id=\"1\" show_meta=\"9\"/></inputs>" << 84 << "meta"
-        << "0";
-    QTest::newRow("input file type") << bare << 84 << "file_type"
-                                     << "11";
-    QTest::newRow("input file type nonsense")
-        << "<inputs><input id=\"1\" file_type=\"99\"/></inputs>" << 84 << "file_type"
-        << "11";
-    QTest::newRow("input delimiter") << bare << 84 << "delimiter"
-                                     << "1";
-    QTest::newRow("input delimiter not a number")
-        << "<inputs><input id=\"1\" delimiter=\"tab\"/></inputs>" << 84 << "delimiter"
-        << "1";
-    QTest::newRow("input custom delimiter one character")
-        << "<inputs><input id=\"1\" custom_delimiter=\"%3B%3B\"/></inputs>" << 84 << "custom_delimiter"
-        << ";";
-    QTest::newRow("input automatic widths") << bare << 84 << "auto_widths"
-                                            << "1";
-    QTest::newRow("input widths joined with ^")
-        << "<inputs><input id=\"1\" fixed_widths=\"3^4^x^5\"/></inputs>" << 84 << "widths"
-        << "3,4,5";
-    QTest::newRow("input widths joined with U+001F")
-        << sep("<inputs><input id=\"1\" fixed_widths=\"3~12\"/></inputs>") << 84 << "widths"
-        << "3,12";
-    QTest::newRow("input encoding") << bare << 84 << "encoding"
-                                    << "Automatic";
-    QTest::newRow("input schema names with ^")
-        << "<inputs><input id=\"1\" schema_col_name=\"a^b%5Ec\"/></inputs>" << 84 << "schema"
-        << "a|b^c";
-    QTest::newRow("input ignored rows negative")
-        << "<inputs><input id=\"1\" ignored_rows=\"-4\"/></inputs>" << 84 << "ignored_rows"
-        << "0";
-    QTest::newRow("hidden flags of version 84 apart")
-        << "<inputs><input id=\"1\" ignore_excel_hidden_cols=\"1\" ignore_excel_hidden=\"0\"/></inputs>" << 84
-        << "hidden"
-        << "1,0";
-    QTest::newRow("hidden flags of version 71 from one")
-        << "<inputs><input id=\"1\" ignore_excel_hidden=\"1\"/></inputs>" << 71 << "hidden"
-        << "1,1";
-    QTest::newRow("hidden flags of version 71 ignore the new ones")
-        << "<inputs><input id=\"1\" ignore_excel_hidden_cols=\"1\"/></inputs>" << 71 << "hidden"
-        << "0,0";
-    QTest::newRow("hidden flags of version 72 apart")
-        << "<inputs><input id=\"1\" ignore_excel_hidden=\"1\" ignore_excel_hidden_rows=\"1\"/></inputs>" << 72
-        << "hidden"
-        << "0,1";
-    QTest::newRow("position from pos_v12")
-        << sep("<inputs><input id=\"1\" pos_v12=\"10.5~-20\" pos=\"1^2\"/></inputs>") << 84 << "pos"
-        << "10.5,-20";
-    QTest::newRow("position from pos") << "<inputs><input id=\"1\" pos=\"30^40\"/></inputs>" << 50 << "pos"
-                                       << "30,40";
-    QTest::newRow("position of three numbers")
-        << "<inputs><input id=\"1\" pos=\"1^2^3\"/></inputs>" << 84 << "pos"
-        << "0,0";
-    QTest::newRow("position not numbers") << "<inputs><input id=\"1\" pos=\"a^b\"/></inputs>" << 84 << "pos"
-                                          << "0,0";
-    QTest::newRow("position not finite")
-        << "<inputs><input id=\"1\" pos=\"nan^inf\"/></inputs>" << 84 << "pos"
-        << "0,0";
-    const QString bareOutput = QStringLiteral("<outputs><output id=\"1\"/></outputs>");
-    QTest::newRow("output write mode") << bareOutput << 84 << "write_mode"
-                                       << "1";
-    QTest::newRow("output write mode disabled")
-        << "<outputs><output id=\"1\" enable_output=\"0\"/></outputs>" << 84 << "write_mode"
-        << "0";
-    QTest::newRow("output write mode new")
-        << "<outputs><output id=\"1\" enable_output=\"3\"/></outputs>" << 84 << "write_mode"
-        << "3";
-    QTest::newRow("output write mode nonsense")
-        << "<outputs><output id=\"1\" enable_output=\"7\"/></outputs>" << 84 << "write_mode"
-        << "1";
-    QTest::newRow("output files column") << bareOutput << 84 << "files_column"
-                                         << "0";
-    QTest::newRow("output files column negative")
-        << "<outputs><output id=\"1\" multi_file_column=\"-2\"/></outputs>" << 84 << "files_column"
-        << "0";
-    QTest::newRow("output encoding") << bareOutput << 84 << "encoding"
-                                     << "UTF-8";
-    QTest::newRow("output byte order mark") << bareOutput << 84 << "bom"
-                                            << "1";
-    QTest::newRow("output xml root") << bareOutput << 84 << "xml_root"
-                                     << "root";
-    QTest::newRow("output xml row") << bareOutput << 84 << "xml_row"
-                                    << "record";
-    QTest::newRow("output file comment") << bareOutput << 84 << "file_comment"
-                                         << " File created by %1 %2 at %3 %4 ";
-    QTest::newRow("output header if empty") << bareOutput << 84 << "header_if_empty"
-                                            << "1";
-    QTest::newRow("output file type") << bareOutput << 84 << "file_type"
-                                      << "11";
-    QTest::newRow("note arrow") << "<notes><note id=\"1\"/></notes>" << 84 << "arrow"
-                                << "0";
-    QTest::newRow("note colour") << sep("<notes><note id=\"1\" color=\"255~128~0\"/></notes>") << 84
-                                 << "color"
-                                 << "#ff8000";
-    QTest::newRow("note colour out of range") << sep("<notes><note id=\"1\" color=\"256~128~0\"/></notes>")
-                                              << 84 << "color" << NoteNode::defaultColor().name();
-    QTest::newRow("note colour empty")
-        << "<notes><note id=\"1\" color=\"\"/></notes>" << 84 << "color" << NoteNode::defaultColor().name();
-    QTest::newRow("transform comment")
-        << "<transforms><transform id=\"1\" name=\"Sort\" comment=\"a%20b\"/></transforms>" << 84 << "comment"
-        << "a b";
+    struct Row
+    {
+        const char *name;
+        const char *body;
+        int version;
+        const char *expected;
+    };
+    const Row rows[] = {
+        {"input defaults", "<inputs><input id=\"1\"/></inputs>", 84,
+            "medium=0 ignored_rows=0 header=0 watching=0 json_arrays_as_rows=1 trim=0 simplify=0 "
+            "ignore_empty=1 "
+            "ignore_empty_cols=0 ignore_excel_hidden_cols=0 ignore_excel_hidden_rows=0 show_meta=0 "
+            "meta_col_name=Meta%20Info schema_in_use=0 schema_missing_cols=0 file_type=11 delimiter=1 "
+            "quote=0 "
+            "ignore_repeated_delim=0 auto_fixed_widths=1 encoding=Automatic pos_v12=0~0 pos=0^0"},
+        {"input medium: clipboard for text alone", "<inputs><input id=\"1\" text=\"a%2Cb\"/></inputs>", 84,
+            "medium=1"},
+        {"input medium: file for path and text", "<inputs><input id=\"1\" text=\"a\" path=\"x\"/></inputs>",
+            84, "medium=0"},
+        {"input medium: nonsense", "<inputs><input id=\"1\" medium=\"7\"/></inputs>", 84, "medium=0"},
+        {"input header guessed", "<inputs><input id=\"1\" header=\"2\"/></inputs>", 84, "header=2"},
+        {"input meta mode 3", "<inputs><input id=\"1\" show_meta=\"3\"/></inputs>", 84, "show_meta=3"},
+        {"input meta mode nonsense", "<inputs><input id=\"1\" show_meta=\"9\"/></inputs>", 84, "show_meta=0"},
+        {"input numbers not numbers",
+            "<inputs><input id=\"1\" delimiter=\"tab\" trim=\"yes\" file_type=\"99\"/></inputs>", 84,
+            "delimiter=1 trim=0 file_type=11"},
+        {"input ignored rows negative", "<inputs><input id=\"1\" ignored_rows=\"-4\"/></inputs>", 84,
+            "ignored_rows=0"},
+        {"input custom delimiter one character",
+            "<inputs><input id=\"1\" custom_delimiter=\"%3B%3B\"/></inputs>", 84, "custom_delimiter=%3B"},
+        {"input widths joined with ^", "<inputs><input id=\"1\" fixed_widths=\"3^4^x^5\"/></inputs>", 84,
+            "fixed_widths=3~4~5"},
+        {"input schema names with ^", "<inputs><input id=\"1\" schema_col_name=\"a^b%5Ec\"/></inputs>", 84,
+            "schema_col_name=a~b%5Ec"},
+        {"hidden flags of version 71 from one",
+            "<inputs><input id=\"1\" ignore_excel_hidden=\"1\"/></inputs>", 71,
+            "ignore_excel_hidden_cols=1 ignore_excel_hidden_rows=1"},
+        {"hidden flags of version 71 ignore the new ones",
+            "<inputs><input id=\"1\" ignore_excel_hidden_cols=\"1\"/></inputs>", 71,
+            "ignore_excel_hidden_cols=0 ignore_excel_hidden_rows=0"},
+        {"hidden flags of version 72 apart",
+            "<inputs><input id=\"1\" ignore_excel_hidden=\"1\" ignore_excel_hidden_rows=\"1\"/></inputs>", 72,
+            "ignore_excel_hidden_cols=0 ignore_excel_hidden_rows=1"},
+        {"position from pos_v12", "<inputs><input id=\"1\" pos_v12=\"10.5~-20\" pos=\"1^2\"/></inputs>", 84,
+            "pos_v12=10.5~-20 pos=10.5^-20"},
+        {"position from pos", "<inputs><input id=\"1\" pos=\"30^40\"/></inputs>", 50, "pos_v12=30~40"},
+        {"position of three numbers", "<inputs><input id=\"1\" pos=\"1^2^3\"/></inputs>", 84, "pos_v12=0~0"},
+        {"position not numbers", "<inputs><input id=\"1\" pos_v12=\"a~b\"/></inputs>", 84, "pos_v12=0~0"},
+        {"position far away", "<inputs><input id=\"1\" pos=\"1e300^5\"/></inputs>", 84, "pos_v12=0~0"},
+        {"position not finite", "<inputs><input id=\"1\" pos=\"nan^inf\"/></inputs>", 84, "pos_v12=0~0"},
+        {"output defaults", "<outputs><output id=\"1\"/></outputs>", 84,
+            "single_or_multi=0 multi_file_confirm=1 file_type=11 delimiter=1 line_endings=0 quote=0 "
+            "excel_output=0 "
+            "excel_use_style_template=0 json_types=0 encoding=UTF-8 bom=1 xml_root=root xml_row=record "
+            "html_encode=1 "
+            "enable_output=1 overwrite_sheet=1 write_header=1 write_header_first_append_only=1 "
+            "remove_empty=1 "
+            "file_comment=%20File%20created%20by%20%251%20%252%20at%20%253%20%254%20"},
+        {"output write mode new", "<outputs><output id=\"1\" enable_output=\"3\"/></outputs>", 84,
+            "enable_output=3"},
+        {"output write mode nonsense", "<outputs><output id=\"1\" enable_output=\"7\"/></outputs>", 84,
+            "enable_output=1"},
+        {"output files column negative", "<outputs><output id=\"1\" multi_file_column=\"-2\"/></outputs>", 84,
+            "multi_file_column=-2"},
+        {"output many files of nonsense", "<outputs><output id=\"1\" single_or_multi=\"5\"/></outputs>", 84,
+            "single_or_multi=0"},
+        {"note defaults", "<notes><note id=\"1\"/></notes>", 84, "arrow=0 pos_v12=0~0"},
+        {"note colour", "<notes><note id=\"1\" color=\"255~128~0\" arrow=\"2\"/></notes>", 84,
+            "color=255~128~0 arrow=2"},
+        {"note colour out of range", "<notes><note id=\"1\" color=\"256~128~0\"/></notes>", 84,
+            "color=default"},
+        {"note colour empty", "<notes><note id=\"1\" color=\"\"/></notes>", 84, "color=default"},
+        {"transform", "<transforms><transform id=\"1\" name=\"Sort\" comment=\"a%20b\"/></transforms>", 84,
+            "name=Sort comment=a%20b pos_v12=0~0"},
+    };
+    const QColor color = NoteNode::defaultColor();
+    const QString defaultColor = QStringList {QString::number(color.red()), QString::number(color.green()),
+        QString::number(color.blue())}
+                                     .join(QChar(0x1F));
+    for (const Row &row : rows)
+        QTest::newRow(row.name) << sep(row.body) << row.version
+                                << sep(row.expected).replace(QLatin1String("default"), defaultColor);
 }
 
-void TestDocument::attributeDefaults()
+void TestDocument::attributes()
 {
     QFETCH(QString, body);
     QFETCH(int, version);
-    QFETCH(QString, option);
     QFETCH(QString, expected);
     GraphScene scene;
     QVERIFY(read(documentWith(body, version), scene));
     QCOMPARE(scene.nodes().size(), 1);
-    QCOMPARE(optionText(scene.nodes().first(), option), expected);
+    // Read defaults are written back explicitly, so the written item shows them.
+    const DocumentParseResult written =
+        parseDocumentText(Document::documentText(scene, DocumentProperties()));
+    DocumentElement item;
+    for (const DocumentElement &group : written.root.children()) {
+        if (group.name() != QLatin1String("meta") && !group.children().isEmpty())
+            item = group.children().first();
+    }
+    for (const QString &pair : expected.split(QLatin1Char(' '))) {
+        const QString name = pair.section(QLatin1Char('='), 0, 0);
+        QCOMPARE(name + QLatin1Char('=') + item.attribute(name, QStringLiteral("<none>")), pair);
+    }
 }
 
 void TestDocument::roundTrip_data()
@@ -494,75 +394,59 @@ void TestDocument::roundTrip()
     }
 }
 
-void TestDocument::everyOptionRoundTrip()
+void TestDocument::optionsToAttributes()
 {
+    // Each option set apart from its default lands in its own attribute and comes back.
     GraphScene scene;
     auto *input = new InputNode;
     InputOptions in = input->options();
-    in.source = InputOptions::File;
-    in.path = QStringLiteral("/data/a^b%c.csv");
-    in.sheet = QStringLiteral("S");
-    in.fileType = 1;
-    in.delimiter = 9;
-    in.customDelimiter = QLatin1Char('^');
-    in.ignoreRepeatedDelimiter = true;
+    in.trimWhitespace = true;
+    in.ignoreHiddenExcelRows = true;
+    in.arraysAsRows = false;
+    in.metaInformation = InputOptions::MetaAtEnd;
     in.quoting = 2;
     in.fixedWidthColumns = 0;
-    in.columnWidths = {1, 20, 300};
-    in.encoding = QStringLiteral("UTF-8");
-    in.ignoreFirstRows = 4;
-    in.hasHeader = 1;
-    in.trimWhitespace = in.simplifyWhitespace = true;
-    in.ignoreEmptyRows = false;
-    in.ignoreEmptyColumns = in.ignoreHiddenExcelRows = in.ignoreHiddenExcelColumns = true;
-    in.arraysAsRows = false;
-    in.metaInformation = InputOptions::MetaEveryRow;
-    in.metaInformationText = QStringLiteral("{fname}");
-    in.metaInformationColumnName = QStringLiteral("From");
-    in.usesSchema = true;
-    in.watch = true;
+    in.columnWidths = {1, 20};
+    in.customDelimiter = QLatin1Char('^');
+    in.sheet = QStringLiteral("S 1");
     input->setOptions(in);
-    input->setAlias(QStringLiteral("a"));
-    input->setName(QStringLiteral("In"));
     scene.addNode(input);
     auto *output = new OutputNode;
     OutputOptions out = output->options();
-    out.path = QStringLiteral("out.json");
-    out.fileType = 4;
-    out.outputTo = 1;
+    out.outputTo = OutputOptions::MultipleFiles;
     out.filesColumn = 3;
-    out.writeMode = 3;
-    out.jsonTypes = 2;
-    out.jsonManualColumnTypes = {2, 0, 1};
-    out.excelManualColumnFormats = {4};
+    out.writeMode = OutputOptions::Append;
+    out.jsonManualColumnTypes = {2, 0};
     out.removeEmpty = false;
-    out.fileComment = QStringLiteral("by me");
+    out.writeHeaderOnlyIfEmpty = false;
+    out.useStyleTemplate = true;
     out.sheet = QStringLiteral("Data");
     output->setOptions(out);
     scene.addNode(output);
 
     const QByteArray text = Document::documentText(scene, DocumentProperties());
+    const auto attributes = [&text](const QString &group, const QStringList &names) {
+        const DocumentElement item = firstItem(text, group);
+        QStringList pairs;
+        for (const QString &name : names)
+            pairs << name + QLatin1Char('=') + item.attribute(name);
+        return pairs.join(QLatin1Char(' '));
+    };
+    QCOMPARE(attributes(QStringLiteral("inputs"),
+                 {"trim", "simplify", "ignore_excel_hidden_cols", "ignore_excel_hidden_rows",
+                     "json_arrays_as_rows", "show_meta", "quote", "auto_fixed_widths", "fixed_widths",
+                     "custom_delimiter", "worksheet"}),
+        sep("trim=1 simplify=0 ignore_excel_hidden_cols=0 ignore_excel_hidden_rows=1 json_arrays_as_rows=0 "
+            "show_meta=2 quote=2 auto_fixed_widths=0 fixed_widths=1~20 custom_delimiter=%5E "
+            "worksheet=S%201"));
+    QCOMPARE(
+        attributes(QStringLiteral("outputs"),
+            {"single_or_multi", "multi_file_column", "enable_output", "json_manual_col_types", "remove_empty",
+                "write_header_first_append_only", "write_header", "excel_use_style_template", "worksheet"}),
+        sep("single_or_multi=1 multi_file_column=3 enable_output=2 json_manual_col_types=2~0 remove_empty=0 "
+            "write_header_first_append_only=0 write_header=1 excel_use_style_template=1 worksheet=Data"));
     GraphScene copy;
     QVERIFY(read(text, copy));
-    QCOMPARE(copy.nodes().size(), 2);
-    const InputOptions readIn = qobject_cast<InputNode *>(copy.nodes().at(0))->options();
-    QCOMPARE(readIn.path, in.path);
-    QCOMPARE(readIn.sheet, in.sheet);
-    QCOMPARE(readIn.customDelimiter, in.customDelimiter);
-    QCOMPARE(readIn.columnWidths, in.columnWidths);
-    QCOMPARE(readIn.metaInformation, in.metaInformation);
-    QCOMPARE(readIn.quoting, in.quoting);
-    QCOMPARE(readIn.delimiter, in.delimiter);
-    QCOMPARE(readIn.fixedWidthColumns, 0);
-    QCOMPARE(readIn.watch, true);
-    const OutputOptions readOut = qobject_cast<OutputNode *>(copy.nodes().at(1))->options();
-    QCOMPARE(readOut.filesColumn, 3);
-    QCOMPARE(readOut.writeMode, 3);
-    QCOMPARE(readOut.jsonManualColumnTypes, out.jsonManualColumnTypes);
-    QCOMPARE(readOut.excelManualColumnFormats, out.excelManualColumnFormats);
-    QCOMPARE(readOut.fileComment, out.fileComment);
-    QCOMPARE(readOut.sheet, out.sheet);
-    QCOMPARE(readOut.removeEmpty, false);
     QCOMPARE(Document::documentText(copy, DocumentProperties()), text);
 }
 
@@ -654,70 +538,42 @@ void TestDocument::migrations_data()
     QTest::addColumn<QString>("parameter");
     QTest::addColumn<QString>("value");
     QTest::addColumn<int>("version");
-    QTest::addColumn<QString>("expectedParameter");
+    QTest::addColumn<QString>("expectedParameter"); // empty: no option takes the text
     QTest::addColumn<QString>("expectedText");
 
-    QTest::newRow("split text delimiter, version 58") << "Split"
-                                                      << "Delimiter_Type"
-                                                      << "Text%20" << 58 << "Delimiter_Type"
-                                                      << "Text%20delimiter";
-    QTest::newRow("split regex delimiter unencoded, version 58") << "Split"
-                                                                 << "Delimiter_Type"
-                                                                 << "Regex " << 58 << "Delimiter_Type"
-                                                                 << "Regex%20delimiter";
-    QTest::newRow("split text delimiter, version 59") << "Split"
-                                                      << "Delimiter_Type"
-                                                      << "Text%20" << 59 << "Delimiter_Type"
-                                                      << "Text%20";
-    QTest::newRow("calculate julian day, version 67") << "Calculate"
-                                                      << "Operation"
-                                                      << "JulianDay" << 67 << "Operation"
-                                                      << "DateToJulianDay";
-    QTest::newRow("calculate julian day, version 68") << "Calculate"
-                                                      << "Operation"
-                                                      << "JulianDay" << 68 << "Operation"
-                                                      << "JulianDay";
-    QTest::newRow("calculate other operation, version 67") << "Calculate"
-                                                           << "Operation"
-                                                           << "JulianDayToDate" << 67 << "Operation"
-                                                           << "JulianDayToDate";
-    QTest::newRow("random maximum, version 77") << "Random"
-                                                << "Maximum_Int"
-                                                << "100" << 77 << "Maximum_Int"
-                                                << "99";
-    QTest::newRow("random maximum, version 78") << "Random"
-                                                << "Maximum_Int"
-                                                << "100" << 78 << "Maximum_Int"
-                                                << "100";
-    QTest::newRow("random maximum not a number, version 77") << "Random"
-                                                             << "Maximum_Int"
-                                                             << "ten" << 77 << "Maximum_Int"
-                                                             << "ten";
-    QTest::newRow("random maximum of another transform, version 77") << "Sort"
-                                                                     << "Maximum_Int"
-                                                                     << "100" << 77 << ""
-                                                                     << "";
-    QTest::newRow("sequence minimum date, version 78")
-        << "Sequence"
-        << "User_Define_Minimum_Missing"
-        << "2020-1-5" << 78 << "User_Define_Minimum_Missing_Date"
-        << "2020-01-05";
-    QTest::newRow("sequence maximum integer, version 78") << "Sequence"
-                                                          << "User_Define_Maximum_Missing"
-                                                          << "42" << 78 << "User_Define_Maximum_Missing_Int"
-                                                          << "42";
-    QTest::newRow("sequence minimum neither, version 78") << "Sequence"
-                                                          << "User_Define_Minimum_Missing"
-                                                          << "soon" << 78 << "User_Define_Minimum_Missing_Int"
-                                                          << "0";
-    QTest::newRow("sequence bad date, version 78") << "Sequence"
-                                                   << "User_Define_Minimum_Missing"
-                                                   << "2020-13-45" << 78 << "User_Define_Minimum_Missing_Int"
-                                                   << "0";
-    QTest::newRow("sequence minimum, version 79") << "Sequence"
-                                                  << "User_Define_Minimum_Missing"
-                                                  << "2020-1-5" << 79 << ""
-                                                  << "";
+    struct Row
+    {
+        const char *name, *transform, *parameter, *value;
+        int version;
+        const char *expectedParameter, *expectedText;
+    };
+    const Row rows[] = {
+        {"split text, 58", "Split", "Delimiter_Type", "Text%20", 58, "Delimiter_Type", "Text%20delimiter"},
+        {"split regex unencoded, 58", "Split", "Delimiter_Type", "Regex ", 58, "Delimiter_Type",
+            "Regex%20delimiter"},
+        {"split text, 59", "Split", "Delimiter_Type", "Text%20", 59, "Delimiter_Type", "Text%20"},
+        {"calculate julian day, 67", "Calculate", "Operation", "JulianDay", 67, "Operation",
+            "DateToJulianDay"},
+        {"calculate julian day, 68", "Calculate", "Operation", "JulianDay", 68, "Operation", "JulianDay"},
+        {"calculate other, 67", "Calculate", "Operation", "JulianDayToDate", 67, "Operation",
+            "JulianDayToDate"},
+        {"random maximum, 77", "Random", "Maximum_Int", "100", 77, "Maximum_Int", "99"},
+        {"random maximum, 78", "Random", "Maximum_Int", "100", 78, "Maximum_Int", "100"},
+        {"random maximum no number, 77", "Random", "Maximum_Int", "ten", 77, "Maximum_Int", "ten"},
+        {"maximum of another transform, 77", "Sort", "Maximum_Int", "100", 77, "", ""},
+        {"sequence minimum date, 78", "Sequence", "User_Define_Minimum_Missing", "2020-1-5", 78,
+            "User_Define_Minimum_Missing_Date", "2020-01-05"},
+        {"sequence maximum integer, 78", "Sequence", "User_Define_Maximum_Missing", "42", 78,
+            "User_Define_Maximum_Missing_Int", "42"},
+        {"sequence minimum neither, 78", "Sequence", "User_Define_Minimum_Missing", "soon", 78,
+            "User_Define_Minimum_Missing_Int", "0"},
+        {"sequence bad date, 78", "Sequence", "User_Define_Minimum_Missing", "2020-13-45", 78,
+            "User_Define_Minimum_Missing_Int", "0"},
+        {"sequence minimum, 79", "Sequence", "User_Define_Minimum_Missing", "2020-1-5", 79, "", ""},
+    };
+    for (const Row &row : rows)
+        QTest::newRow(row.name) << row.transform << row.parameter << row.value << row.version
+                                << row.expectedParameter << row.expectedText;
 }
 
 void TestDocument::migrations()
@@ -844,6 +700,12 @@ void TestDocument::idCounter()
         ids << node->id();
     // The second 5 and the item without id take fresh ids past every id of the file.
     QCOMPARE(ids, (QList<int> {5, 40, 41, 42}));
+
+    // Ids past a billion are none: the counter never nears the end of int.
+    GraphScene huge;
+    QVERIFY(read(documentWith(QStringLiteral("<notes><note id=\"2147483647\"/></notes>")), huge));
+    QCOMPARE(huge.nodes().first()->id(), 43);
+    QCOMPARE(Node::nextId(), 44);
 
     Node::setNextId(500);
     GraphScene other;
@@ -1116,7 +978,7 @@ void TestDocument::saveFailures()
     QCOMPARE(reread.nodes().size(), 1);
 }
 
-void TestDocument::lastSavedBy()
+void TestDocument::writtenText()
 {
     Document::setUserName(QStringLiteral("ann lee"));
     const QString text = Document::lastSavedByText();
@@ -1129,10 +991,20 @@ void TestDocument::lastSavedBy()
         qPrintable(text));
     QVERIFY(Document::lastSavedByText().startsWith(QStringLiteral("Tabrelle_Free_v0_1_0_on_")));
 
+    // An empty comment leaves no attribute; an empty option value stays.
     GraphScene scene;
-    const QByteArray first = Document::documentText(scene, DocumentProperties());
-    QVERIFY(first.startsWith("<!DOCTYPE Tabrelle>\n<root>\n    <meta>\n        <version value=\"84\"/>\n"));
-    QVERIFY(first.endsWith(
+    QVERIFY(read(documentWith(QStringLiteral("<transforms><transform id=\"5\" name=\"Sort\" comment=\"\"/>"
+                                             "</transforms>")),
+        scene));
+    const QByteArray written = Document::documentText(scene, DocumentProperties());
+    QVERIFY(written.startsWith("<!DOCTYPE Tabrelle>\n<root>\n    <meta>\n        <version value=\"84\"/>\n"));
+    QVERIFY2(
+        written.contains(sep("\n    <transforms>\n        <transform id=\"5\" name=\"Sort\" pos_v12=\"0~0\" "
+                             "pos=\"0^0\">\n            <parameters>\n                <parameter "
+                             "name=\"Columns\" type=\"2\" value=\"\"/>\n")
+                             .toUtf8()),
+        written.constData());
+    QVERIFY(written.endsWith(
         "    <batch_values/>\n    <batch_logging verbosity=\"2\" enabled=\"0\" mode=\"0\"/>\n</root>\n"));
 }
 
