@@ -308,7 +308,32 @@ struct GObjectDeleter
 template<typename T>
 using GPtr = std::unique_ptr<T, GObjectDeleter>;
 
-GPtr<GsfInfile> openCompoundFile(const QString &path)
+// libgsf tells about damaged containers on the terminal; the read's own message says it.
+void ignoreLog(const gchar *, GLogLevelFlags, const gchar *, gpointer)
+{ }
+
+// Keeps libgsf quiet while it reads, in its own log domains and the default one it also uses.
+class QuietLog
+{
+public:
+    QuietLog()
+    {
+        for (int i = 0; i < 3; ++i)
+            m_ids[i] = g_log_set_handler(domains[i], GLogLevelFlags(G_LOG_LEVEL_MASK), ignoreLog, nullptr);
+    }
+    ~QuietLog()
+    {
+        for (int i = 0; i < 3; ++i)
+            g_log_remove_handler(domains[i], m_ids[i]);
+    }
+
+private:
+    static constexpr const char *domains[3] = {"libgsf:msole", "libgsf", nullptr};
+    guint m_ids[3];
+};
+
+// The compound file, or nullptr with libgsf's reason.
+GPtr<GsfInfile> openCompoundFile(const QString &path, QString *reason = nullptr)
 {
     static const bool initialised = [] {
         gsf_init();
@@ -317,24 +342,28 @@ GPtr<GsfInfile> openCompoundFile(const QString &path)
     Q_UNUSED(initialised)
     GError *error = nullptr;
     GPtr<GsfInput> input(gsf_input_stdio_new(QFile::encodeName(path).constData(), &error));
-    if (error)
+    GPtr<GsfInfile> ole(input ? gsf_infile_msole_new(input.get(), &error) : nullptr);
+    if (error) {
+        if (reason)
+            *reason = QString::fromUtf8(error->message);
         g_error_free(error);
-    if (!input)
-        return nullptr;
-    error = nullptr;
-    GPtr<GsfInfile> ole(gsf_infile_msole_new(input.get(), &error));
-    if (error)
-        g_error_free(error);
+    }
     return ole;
 }
 
-GPtr<GsfInput> childNamed(GsfInfile *ole, const char *name)
+// The stream of that name; nullptr when there is none, or, with *broken set, when it can't be opened.
+GPtr<GsfInput> childNamed(GsfInfile *ole, const char *name, bool *broken = nullptr)
 {
     const int count = gsf_infile_num_children(ole);
     for (int i = 0; i < count; ++i) {
         const char *childName = gsf_infile_name_by_index(ole, i);
-        if (childName && QString::fromUtf8(childName).compare(QLatin1String(name), Qt::CaseInsensitive) == 0)
-            return GPtr<GsfInput>(gsf_infile_child_by_index(ole, i));
+        if (childName
+            && QString::fromUtf8(childName).compare(QLatin1String(name), Qt::CaseInsensitive) == 0) {
+            GPtr<GsfInput> child(gsf_infile_child_by_index(ole, i));
+            if (!child && broken)
+                *broken = true;
+            return child;
+        }
     }
     return nullptr;
 }
@@ -369,15 +398,24 @@ bool readStream(const QString &path, QByteArray &stream, QString *error)
         *error = tr("'%1' is an Excel .xlsx file; set 'Format' to 'Excel XLSX'").arg(where);
         return false;
     }
-    GPtr<GsfInfile> ole =
-        head.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1") ? openCompoundFile(path) : nullptr;
+    const QuietLog quiet;
+    const bool compound = head.startsWith("\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1");
+    QString reason;
+    GPtr<GsfInfile> ole = compound ? openCompoundFile(path, &reason) : nullptr;
     if (!ole) {
-        *error = tr("'%1' is not an Excel .xls file").arg(where);
+        if (compound)
+            *error =
+                excel::damaged(path, reason.isEmpty() ? tr("its compound file can't be opened") : reason);
+        else
+            *error = tr("'%1' is not an Excel .xls file").arg(where);
         return false;
     }
-    GPtr<GsfInput> workbook = childNamed(ole.get(), "Workbook");
+    bool broken = false;
+    GPtr<GsfInput> workbook = childNamed(ole.get(), "Workbook", &broken);
     if (!workbook) {
-        if (childNamed(ole.get(), "EncryptedPackage"))
+        if (broken)
+            *error = excel::damaged(path, tr("the workbook stream can't be read"));
+        else if (childNamed(ole.get(), "EncryptedPackage"))
             *error = tr("'%1' is password protected and can't be read").arg(where);
         else if (childNamed(ole.get(), "Book"))
             *error =
@@ -715,6 +753,7 @@ namespace xls {
 QStringList oleStreamNames(const QString &path)
 {
     QStringList names;
+    const QuietLog quiet;
     GPtr<GsfInfile> ole = openCompoundFile(path);
     if (!ole)
         return names;
