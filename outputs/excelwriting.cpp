@@ -118,9 +118,16 @@ bool isExactNumber(const QString &text, int *decimals, int *integerDigits)
 // scientific notation, so those take "0"; d decimals take "0." and d zeros.
 QString numberFormat(int decimals, int integerDigits)
 {
+    // Made once: a table of numbers asks for these formats cell after cell.
+    static const QVector<QString> formats = [] {
+        QVector<QString> result {QStringLiteral("0")};
+        for (int d = 1; d <= 30; ++d)
+            result << QStringLiteral("0.") + QString(d, QLatin1Char('0'));
+        return result;
+    }();
     if (decimals > 0)
-        return QStringLiteral("0.") + QString(decimals, QLatin1Char('0'));
-    return integerDigits > 11 ? QStringLiteral("0") : QString();
+        return formats.at(qMin(decimals, 30));
+    return integerDigits > 11 ? formats.at(0) : QString();
 }
 
 // The digits after the locale's decimal point of a number text, or 0 with an exponent.

@@ -41,7 +41,7 @@ int appendLine(
             }
         }
         blanked += held ? 1 : 0;
-        const int padding = widths[c] - codePointCount(cell);
+        const int padding = widths[c] - TextOutputFormat::codePointCount(cell);
         if (padding > 0) {
             const int at = buffer.size();
             buffer.resize(at + padding);
@@ -58,17 +58,6 @@ int appendLine(
 
 } // namespace
 
-int codePointCount(const QString &text)
-{
-    int count = text.size();
-    const ushort *p = text.utf16();
-    for (int i = 0, size = text.size(); i < size; ++i) {
-        if (QChar::isLowSurrogate(p[i]) && i > 0 && QChar::isHighSurrogate(p[i - 1]))
-            --count;
-    }
-    return count;
-}
-
 bool writeFixedWidth(
     const Dataset &table, const OutputOptions &options, QIODevice &device, WriteReport &report)
 {
@@ -82,12 +71,13 @@ bool writeFixedWidth(
     std::vector<int> widths(size_t(columns), 1);
     if (header) {
         for (int c = 0; c < columns; ++c)
-            widths[size_t(c)] = qMax(widths[size_t(c)], codePointCount(table.headers().value(c)));
+            widths[size_t(c)] =
+                qMax(widths[size_t(c)], TextOutputFormat::codePointCount(table.headers().value(c)));
     }
     for (int r = 0; r < rows; ++r) {
         const QStringList &cells = table.row(r);
         for (int c = 0; c < columns; ++c)
-            widths[size_t(c)] = qMax(widths[size_t(c)], codePointCount(cells.at(c)));
+            widths[size_t(c)] = qMax(widths[size_t(c)], TextOutputFormat::codePointCount(cells.at(c)));
     }
 
     TextOutput output(device, options.encoding);

@@ -10,6 +10,3 @@ class QIODevice;
 // blank between columns, trailing blanks removed. Returns false only when the device fails.
 bool writeFixedWidth(
     const Dataset &table, const OutputOptions &options, QIODevice &device, WriteReport &report);
-
-// Characters (code points, not UTF-16 units) in text.
-int codePointCount(const QString &text);

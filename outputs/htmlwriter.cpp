@@ -20,15 +20,22 @@ QString tr(const char *text)
 
 // One table row: each cell escaped when the option says so, else as it stands so that it
 // can carry markup.
-QString tableRow(const QStringList &cells, QLatin1String tag, bool escape)
+void appendRow(QString &out, const QStringList &cells, QLatin1String tag, bool escape)
 {
-    QString row = QStringLiteral("<tr>");
+    out += QLatin1String("<tr>");
     for (const QString &cell : cells) {
-        row += QLatin1Char('<') + tag + QLatin1Char('>');
-        row += escape ? escapeHtml(cell, true) : cell;
-        row += QLatin1String("</") + tag + QLatin1Char('>');
+        out += QLatin1Char('<');
+        out += tag;
+        out += QLatin1Char('>');
+        if (escape)
+            appendEscapedHtml(out, cell, true);
+        else
+            out += cell;
+        out += QLatin1String("</");
+        out += tag;
+        out += QLatin1Char('>');
     }
-    return row + QLatin1String("</tr>");
+    out += QLatin1String("</tr>");
 }
 
 } // namespace
@@ -37,6 +44,12 @@ QString escapeHtml(const QString &text, bool lineBreaks)
 {
     QString result;
     result.reserve(text.size() + 8);
+    appendEscapedHtml(result, text, lineBreaks);
+    return result;
+}
+
+void appendEscapedHtml(QString &result, const QString &text, bool lineBreaks)
+{
     const int n = text.size();
     for (int i = 0; i < n; ++i) {
         const QChar c = text.at(i);
@@ -72,7 +85,6 @@ QString escapeHtml(const QString &text, bool lineBreaks)
             result += c;
         }
     }
-    return result;
 }
 
 bool writeHtml(const Dataset &dataset, const OutputOptions &options, QIODevice &device, WriteReport &report)
@@ -88,7 +100,7 @@ bool writeHtml(const Dataset &dataset, const OutputOptions &options, QIODevice &
             return false;
         }
         if (dataset.hasNoRows())
-            return sink.finish(report, options.path);
+            return sink.finish(report);
         closing.seekToStart(device);
     } else {
         const QStringList head = {QStringLiteral("<!DOCTYPE html>"), QStringLiteral("<html>"),
@@ -113,7 +125,7 @@ bool writeHtml(const Dataset &dataset, const OutputOptions &options, QIODevice &
         if (options.writeHeader) {
             sink << QLatin1String("<thead>");
             sink.endLine();
-            sink << tableRow(dataset.displayHeaders(), QLatin1String("th"), options.escapeHtml);
+            appendRow(sink.buffer(), dataset.displayHeaders(), QLatin1String("th"), options.escapeHtml);
             sink.endLine();
             sink << QLatin1String("</thead>");
             sink.endLine();
@@ -126,14 +138,13 @@ bool writeHtml(const Dataset &dataset, const OutputOptions &options, QIODevice &
     for (int r = 0; r < rows; ++r) {
         if (r % 1000 == 0)
             report.reportProgress(double(r) / rows);
-        sink << tableRow(dataset.row(r), QLatin1String("td"), options.escapeHtml);
+        appendRow(sink.buffer(), dataset.row(r), QLatin1String("td"), options.escapeHtml);
         sink.endLine();
     }
     if (appending) {
-        if (!closing.finish(device, sink)) {
-            report.warnings.prepend(tr("Unable to append to '%1'").arg(absolutePath(options.path)));
+        // A device that fails is named by the write pipeline.
+        if (!closing.finish(device, sink))
             return false;
-        }
     } else {
         for (const char *line : {"</tbody>", "</table>", "</body>", "</html>"}) {
             sink << QLatin1String(line);
@@ -141,5 +152,5 @@ bool writeHtml(const Dataset &dataset, const OutputOptions &options, QIODevice &
         }
     }
     report.reportProgress(1);
-    return sink.finish(report, options.path);
+    return sink.finish(report);
 }

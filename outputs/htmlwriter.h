@@ -13,3 +13,4 @@ bool writeHtml(const Dataset &dataset, const OutputOptions &options, QIODevice &
 
 // "&", "<", ">", '"' and "'" as entities; with lineBreaks, each line break as "<br>".
 QString escapeHtml(const QString &text, bool lineBreaks);
+void appendEscapedHtml(QString &out, const QString &text, bool lineBreaks);

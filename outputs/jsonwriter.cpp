@@ -18,11 +18,9 @@ QString tr(const char *text)
     return QCoreApplication::translate("JsonWriter", text);
 }
 
-QString quoted(const QString &text)
+void appendQuoted(QString &result, const QString &text)
 {
     static const char hex[] = "0123456789abcdef";
-    QString result;
-    result.reserve(text.size() + 2);
     result += QLatin1Char('"');
     for (const QChar c : text) {
         const ushort u = c.unicode();
@@ -65,6 +63,13 @@ QString quoted(const QString &text)
         }
     }
     result += QLatin1Char('"');
+}
+
+QString quoted(const QString &text)
+{
+    QString result;
+    result.reserve(text.size() + 2);
+    appendQuoted(result, text);
     return result;
 }
 
@@ -118,40 +123,51 @@ QString render(const JsonValue &value, int depth, const QString &lineEnding)
     return result + close;
 }
 
-// The member's value as written, or a null string when the member is left out.
-QString memberValue(const QString &cell, int type, bool removeEmpty, const QString &lineEnding, bool &fits)
+// Appends the member's value; false when the member is left out. fits is false for a cell
+// written as text because it isn't of its column's type.
+bool appendValue(
+    QString &out, const QString &cell, int type, bool removeEmpty, const QString &lineEnding, bool &fits)
 {
     fits = true;
     const bool empty = type == TextType ? cell.isEmpty() : cell.trimmed().isEmpty();
     if (empty) {
         if (removeEmpty)
-            return QString();
-        return type == TextType ? QStringLiteral("\"\"") : QStringLiteral("null");
+            return false;
+        out += type == TextType ? QLatin1String("\"\"") : QLatin1String("null");
+        return true;
     }
     switch (type) {
     case NumberType: {
         const QString number = cell.trimmed();
-        if (isJsonNumber(number))
-            return number;
+        if (isJsonNumber(number)) {
+            out += number;
+            return true;
+        }
         break;
     }
     case BooleanType: {
         const QString word = booleanWord(cell);
-        if (!word.isEmpty())
-            return word;
+        if (!word.isEmpty()) {
+            out += word;
+            return true;
+        }
         break;
     }
     case JsonType: {
         JsonValue value;
-        if (parseJsonValue(cell, value))
-            return render(value, 2, lineEnding);
+        if (parseJsonValue(cell, value)) {
+            out += render(value, 2, lineEnding);
+            return true;
+        }
         break;
     }
     default:
-        return quoted(cell);
+        appendQuoted(out, cell);
+        return true;
     }
     fits = false;
-    return quoted(cell);
+    appendQuoted(out, cell);
+    return true;
 }
 
 } // namespace
@@ -181,7 +197,7 @@ bool writeJson(const Dataset &dataset, const OutputOptions &options, QIODevice &
             return false;
         }
         if (dataset.hasNoRows())
-            return sink.finish(report, options.path);
+            return sink.finish(report);
         // The blanks before "]" are written again, so that new objects line up with the old.
         const QString before = closing.textBefore();
         int blanks = 0;
@@ -193,7 +209,7 @@ bool writeJson(const Dataset &dataset, const OutputOptions &options, QIODevice &
     } else if (dataset.hasNoRows()) {
         sink << QLatin1String("[]");
         sink.endLine();
-        return sink.finish(report, options.path);
+        return sink.finish(report);
     } else {
         sink << QLatin1Char('[');
     }
@@ -208,39 +224,44 @@ bool writeJson(const Dataset &dataset, const OutputOptions &options, QIODevice &
         if (r > 0 || hasObjects)
             sink << QLatin1Char(',');
         sink.endLine();
-        sink << rowIndent << QLatin1Char('{');
+        QString &out = sink.buffer();
+        out += rowIndent;
+        out += QLatin1Char('{');
         const QStringList &row = dataset.row(r);
         bool anyMember = false;
         for (int c = 0; c < qMin(row.size(), keys.size()); ++c) {
+            // The member's start is written first and taken back when the member is left out.
+            const int start = out.size();
+            if (anyMember)
+                out += QLatin1Char(',');
+            out += lineEnding;
+            out += memberIndent;
+            out += keys.at(c);
             bool fits = true;
-            const QString value = memberValue(row.at(c), types.at(c), options.removeEmpty, lineEnding, fits);
-            if (value.isNull())
+            if (!appendValue(out, row.at(c), types.at(c), options.removeEmpty, lineEnding, fits)) {
+                out.resize(start);
                 continue;
+            }
             if (!fits)
                 notFitting.add(cellNotTypeMessage(row.at(c), headers.at(c), r + 1, types.at(c)));
-            if (anyMember)
-                sink << QLatin1Char(',');
-            sink.endLine();
-            sink << memberIndent << keys.at(c) << value;
             anyMember = true;
         }
         if (anyMember) {
-            sink.endLine();
-            sink << rowIndent;
+            out += lineEnding;
+            out += rowIndent;
         }
         sink << QLatin1Char('}');
     }
     sink.endLine();
     notFitting.appendTo(report.warnings);
     if (appending) {
-        if (!closing.finish(device, sink)) {
-            report.warnings.prepend(tr("Unable to append to '%1'").arg(absolutePath(options.path)));
+        // A device that fails is named by the write pipeline.
+        if (!closing.finish(device, sink))
             return false;
-        }
     } else {
         sink << QLatin1Char(']');
         sink.endLine();
     }
     report.reportProgress(1);
-    return sink.finish(report, options.path);
+    return sink.finish(report);
 }

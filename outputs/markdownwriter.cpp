@@ -97,7 +97,7 @@ bool writeMarkdown(
     TextSink sink(device, options.encoding, lineEnding);
     const int columns = dataset.columnCount();
     if (columns == 0)
-        return sink.finish(report, options.path);
+        return sink.finish(report);
     // Appended rows go under the table already in the file, which has its header lines.
     const bool headerLines = options.writeMode != OutputOptions::Append || holdsNoText(device);
 
@@ -155,5 +155,5 @@ bool writeMarkdown(
         sink.endLine();
     }
     report.reportProgress(1);
-    return sink.finish(report, options.path);
+    return sink.finish(report);
 }

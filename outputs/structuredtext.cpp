@@ -15,17 +15,9 @@
 
 namespace {
 
-const int BufferSize = 32768;
-
 QString tr(const char *text)
 {
     return QCoreApplication::translate("StructuredText", text);
-}
-
-QByteArray encodeWith(QTextCodec *codec, const QChar *text, int length)
-{
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    return codec->fromUnicode(text, length, &state);
 }
 
 // Builds a JsonValue from the reader's events without recursion.
@@ -89,41 +81,12 @@ struct JsonBuilder : rapidjson::BaseReaderHandler<rapidjson::UTF8<>, JsonBuilder
 } // namespace
 
 TextSink::TextSink(QIODevice &device, const QString &encoding, const QString &lineEnding)
-    : m_device(device)
+    : m_output(device, encoding)
     , m_lineEnding(lineEnding)
 {
     m_codec = QTextCodec::codecForName(encoding.toLatin1());
-    if (!m_codec) {
-        m_unknownEncoding = encoding;
-        m_codec = QTextCodec::codecForName("UTF-8");
-    }
-    const QChar question(QLatin1Char('?'));
-    m_question = encodeWith(m_codec, &question, 1);
-    m_buffer.reserve(BufferSize + 1024);
-}
-
-TextSink &TextSink::operator<<(const QString &text)
-{
-    m_buffer += text;
-    if (m_buffer.size() >= BufferSize)
-        encodeBuffer(false);
-    return *this;
-}
-
-TextSink &TextSink::operator<<(QLatin1String text)
-{
-    m_buffer += text;
-    if (m_buffer.size() >= BufferSize)
-        encodeBuffer(false);
-    return *this;
-}
-
-TextSink &TextSink::operator<<(QChar c)
-{
-    m_buffer += c;
-    if (m_buffer.size() >= BufferSize)
-        encodeBuffer(false);
-    return *this;
+    if (!m_codec)
+        m_codec = QTextCodec::codecForMib(106); // UTF-8, as TextOutput writes then
 }
 
 QString TextSink::encodingName() const
@@ -133,7 +96,8 @@ QString TextSink::encodingName() const
 
 QByteArray TextSink::encode(const QString &text) const
 {
-    return encodeWith(m_codec, text.constData(), text.size());
+    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
+    return m_codec->fromUnicode(text.constData(), text.size(), &state);
 }
 
 int TextSink::unitSize() const
@@ -146,62 +110,11 @@ int TextSink::unitSize() const
     return 1;
 }
 
-void TextSink::encodeBuffer(bool all)
+bool TextSink::finish(WriteReport &report)
 {
-    int length = m_buffer.size();
-    // A surrogate pair split between two buffers would be two unwritable halves.
-    if (!all && length > 0 && m_buffer.at(length - 1).isHighSurrogate())
-        --length;
-    if (length == 0)
-        return;
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    QByteArray bytes = m_codec->fromUnicode(m_buffer.constData(), length, &state);
-    if (state.invalidChars > 0) {
-        // Codecs differ in how many "?" a character outside them gives; one per character.
-        bytes.clear();
-        int i = 0;
-        while (i < length) {
-            int size = 1;
-            if (m_buffer.at(i).isHighSurrogate() && i + 1 < length && m_buffer.at(i + 1).isLowSurrogate())
-                size = 2;
-            const QString character = m_buffer.mid(i, size);
-            const bool lone = size == 1 && character.at(0).isSurrogate();
-            if (!lone && m_codec->canEncode(character)) {
-                bytes += encodeWith(m_codec, character.constData(), size);
-            } else {
-                bytes += m_question;
-                ++m_unwritable;
-            }
-            i += size;
-        }
-    }
-    m_buffer.remove(0, length);
-    if (!m_failed && m_device.write(bytes) != bytes.size())
-        m_failed = true;
-}
-
-bool TextSink::flush()
-{
-    encodeBuffer(true);
-    return !m_failed;
-}
-
-bool TextSink::finish(WriteReport &report, const QString &path)
-{
-    flush();
-    if (!m_unknownEncoding.isEmpty())
-        report.warnings << tr("Unknown encoding '%1'; UTF-8 was used").arg(m_unknownEncoding);
-    if (m_unwritable > 0) {
-        report.warnings << tr("%1 %2 can't be written in %3 and were written as '?'")
-                               .arg(formatCount(m_unwritable),
-                                   StructuredText::plural(m_unwritable, tr("character"), tr("characters")),
-                                   encodingName());
-    }
-    if (m_failed) {
-        report.warnings.prepend(tr("Unable to write '%1'").arg(StructuredText::absolutePath(path)));
-        return false;
-    }
-    return true;
+    const bool written = m_output.flush();
+    report.warnings << m_output.messages();
+    return written;
 }
 
 void CountedMessages::add(const QString &message)

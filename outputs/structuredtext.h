@@ -1,6 +1,7 @@
 #pragma once
 
 #include "outputoptions.h"
+#include "textoutput.h"
 
 #include <QByteArray>
 #include <QDateTime>
@@ -16,18 +17,34 @@ class Dataset;
 // What the JSON, XML, YAML, HTML, Markdown and vCard writers share: the encoded text
 // stream, column names, value types, counted messages and appending before closing text.
 
-// Text written through the output's codec. Characters the codec can't represent become
-// "?" and are counted; the writer's own line breaks go through endLine().
+// Text written through the output's codec by TextOutput, with the writer's own line breaks
+// through endLine() and the encoded form of texts that appends look for.
 class TextSink
 {
 public:
     TextSink(QIODevice &device, const QString &encoding, const QString &lineEnding);
 
-    TextSink &operator<<(const QString &text);
-    TextSink &operator<<(QLatin1String text);
-    TextSink &operator<<(QChar c);
+    TextSink &operator<<(const QString &text)
+    {
+        m_output.buffer() += text;
+        m_output.flushIfFull();
+        return *this;
+    }
+    TextSink &operator<<(QLatin1String text)
+    {
+        m_output.buffer() += text;
+        m_output.flushIfFull();
+        return *this;
+    }
+    TextSink &operator<<(QChar c)
+    {
+        m_output.buffer() += c;
+        return *this;
+    }
     void endLine() { *this << m_lineEnding; }
-    const QString &lineEnding() const { return m_lineEnding; }
+    // The text not yet written, for writers that append to it in place; endLine() and the
+    // next << write it once it holds a block.
+    QString &buffer() { return m_output.buffer(); }
 
     QTextCodec *codec() const { return m_codec; }
     // The codec's own name, such as "UTF-8" or "ISO-8859-1".
@@ -36,23 +53,16 @@ public:
     // Bytes per character unit: 2 for UTF-16, 4 for UTF-32, else 1.
     int unitSize() const;
 
-    // Writes what is buffered; false when the device refused it.
-    bool flush();
-    // Flushes and adds the encoding messages; false (with "Unable to write '%1'") when the
-    // device refused the text.
-    bool finish(WriteReport &report, const QString &path);
+    // Writes what is buffered; false once the device has refused text.
+    bool flush() { return m_output.flush(); }
+    // Flushes and adds the encoding messages; false when the device refused text, which the
+    // write pipeline names.
+    bool finish(WriteReport &report);
 
 private:
-    void encodeBuffer(bool all);
-
-    QIODevice &m_device;
+    TextOutput m_output;
     QTextCodec *m_codec = nullptr;
-    QString m_unknownEncoding;
     QString m_lineEnding;
-    QString m_buffer;
-    QByteArray m_question;
-    qint64 m_unwritable = 0;
-    bool m_failed = false;
 };
 
 // Up to five messages word for word, then one "+ %1 %2" line for the rest.

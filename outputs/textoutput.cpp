@@ -13,10 +13,23 @@ QString tr(const char *text)
 }
 
 constexpr int Latin1Mib = 4;
+constexpr int Utf32Mib = 1017; // then 1018 UTF-32BE and 1019 UTF-32LE
+constexpr int Utf32LeMib = 1019;
 
 } // namespace
 
 namespace TextOutputFormat {
+
+int codePointCount(const QString &text)
+{
+    int count = text.size();
+    const ushort *p = text.utf16();
+    for (int i = 1, size = text.size(); i < size; ++i) {
+        if (QChar::isLowSurrogate(p[i]) && QChar::isHighSurrogate(p[i - 1]))
+            --count;
+    }
+    return count;
+}
 
 int automaticLineEndings(int fileType)
 {
@@ -99,6 +112,7 @@ TextOutput::TextOutput(QIODevice &device, const QString &encoding)
     // Qt's Latin-1 codec writes a character outside the BMP as two "?"; this program
     // writes one, as the other codecs do.
     m_latin1 = m_codec->mibEnum() == Latin1Mib;
+    m_utf32 = m_codec->mibEnum() >= Utf32Mib && m_codec->mibEnum() <= Utf32LeMib;
     m_buffer.reserve(BlockSize + 4096);
 }
 
@@ -128,6 +142,11 @@ bool TextOutput::flush()
         const int before = m_state.invalidChars;
         m_bytes = m_codec->fromUnicode(m_buffer.constData(), m_buffer.size(), &m_state);
         m_replaced += m_state.invalidChars - before;
+        if (m_utf32) {
+            // Qt's UTF-32 encoder sizes its result by UTF-16 units and leaves the four bytes
+            // it saves on each surrogate pair as garbage at the end.
+            m_bytes.resize(4 * TextOutputFormat::codePointCount(m_buffer));
+        }
     }
     m_buffer.resize(0);
     if (m_device.write(m_bytes) != m_bytes.size())

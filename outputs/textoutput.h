@@ -24,6 +24,8 @@ bool isUnicode(const QString &encoding);
 // The byte order mark in the encoding and in the byte order its text is written in;
 // empty unless the encoding is Unicode.
 QByteArray byteOrderMark(const QString &encoding);
+// Characters in text as code points: a surrogate pair counts once.
+int codePointCount(const QString &text);
 // one for a count of 1, else many.
 QString plural(qint64 count, const QString &one, const QString &many);
 
@@ -59,6 +61,7 @@ private:
     QTextCodec *m_codec = nullptr;
     QTextCodec::ConverterState m_state;
     bool m_latin1 = false;
+    bool m_utf32 = false;
     bool m_known = true;
     bool m_failed = false;
     qint64 m_replaced = 0;

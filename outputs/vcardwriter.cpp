@@ -282,6 +282,9 @@ private:
 
 QString foldVCardLine(const QString &line, const QString &lineEnding)
 {
+    // A UTF-16 unit takes at most three bytes, so most lines need no count.
+    if (line.size() <= 25)
+        return line;
     QString result;
     int bytes = 0;
     const int n = line.size();
@@ -478,5 +481,5 @@ bool writeVCard(const Dataset &dataset, const OutputOptions &options, QIODevice 
             << tr("vCard 4.0 must be written in UTF-8; the file is written in %1").arg(sink.encodingName());
     }
     report.reportProgress(1);
-    return sink.finish(report, options.path);
+    return sink.finish(report);
 }

@@ -94,8 +94,7 @@ public:
     {
         if (code.isEmpty() && !bold)
             return nullptr;
-        const QString key = (bold ? QStringLiteral("b") : QStringLiteral("-")) + code;
-        lxw_format *&format = m_formats[key];
+        lxw_format *&format = m_formats[bold ? 1 : 0][code];
         if (!format) {
             format = workbook_add_format(m_book);
             if (bold)
@@ -118,7 +117,7 @@ private:
     QByteArray m_path;
     QByteArray m_temporaryFolder;
     lxw_workbook *m_book = nullptr;
-    QHash<QString, lxw_format *> m_formats;
+    QHash<QString, lxw_format *> m_formats[2]; // by code, without and with bold
 };
 
 // Rows of one sheet that come from one table: an existing sheet's cells, or the new rows.
@@ -298,6 +297,14 @@ bool writeXlsxWorkbook(
         return fail(error);
 
     report.information << information << plan.information();
+    if (options.useStyleTemplate && !options.styleTemplate.isEmpty()) {
+        if (rewrite && append)
+            report.information << tr("Style template not used when appending to an existing file");
+        else
+            report.warnings << tr("The style template '%1' was not applied: this version writes workbooks "
+                                  "without style templates")
+                                   .arg(QDir::toNativeSeparators(options.styleTemplate));
+    }
     if (rewrite) {
         if (target < 0)
             report.information << tr("Added sheet '%1[%2]'").arg(where, name);

@@ -43,11 +43,9 @@ bool isXmlChar(uint c)
     return (c < 0xD800 || c > 0xDFFF) && c != 0xFFFE && c != 0xFFFF;
 }
 
-// Escapes a text or attribute value, leaving out what XML can't hold and counting it.
-QString escaped(const QString &text, bool attribute, qint64 &removed)
+// Appends a text or attribute value escaped, leaving out what XML can't hold and counting it.
+void appendEscaped(QString &result, const QString &text, bool attribute, qint64 &removed)
 {
-    QString result;
-    result.reserve(text.size() + 8);
     const int n = text.size();
     for (int i = 0; i < n; ++i) {
         const QChar c = text.at(i);
@@ -87,7 +85,6 @@ QString escaped(const QString &text, bool attribute, qint64 &removed)
             result += c;
         }
     }
-    return result;
 }
 
 struct TagName
@@ -204,7 +201,7 @@ bool writeXml(const Dataset &dataset, const OutputOptions &options, QIODevice &d
             return false;
         }
         if (dataset.hasNoRows())
-            return sink.finish(report, options.path);
+            return sink.finish(report);
         closing.seekToStart(device);
     } else {
         const QString encoding = declaredEncoding(sink.encodingName());
@@ -229,13 +226,16 @@ bool writeXml(const Dataset &dataset, const OutputOptions &options, QIODevice &d
     qint64 removed = 0;
     const QString rowStart = QLatin1String("    <") + row.name;
     const QString rowEnd = QLatin1String("    </") + row.name + QLatin1Char('>');
+    // Children are gathered apart because attributes come first; the buffer keeps its size.
     QString children;
     const int rows = dataset.rowCount();
     for (int r = 0; r < rows; ++r) {
         if (r % 1000 == 0)
             report.reportProgress(double(r) / rows);
-        sink << rowStart << row.rest;
-        children.clear();
+        QString &out = sink.buffer();
+        out += rowStart;
+        out += row.rest;
+        children.resize(0);
         const QStringList &cells = dataset.row(r);
         for (int c = 0; c < columns; ++c) {
             const QString cell = cells.value(c);
@@ -243,15 +243,25 @@ bool writeXml(const Dataset &dataset, const OutputOptions &options, QIODevice &d
                 continue;
             const QString &name = names.at(c);
             if (isAttribute.at(c)) {
-                sink << QLatin1Char(' ') << name << QLatin1String("=\"") << escaped(cell, true, removed)
-                     << QLatin1Char('"');
-            } else if (cell.isEmpty()) {
-                children += QLatin1String("        <") + name + QLatin1String("/>") + lineEnding;
-            } else {
-                children += QLatin1String("        <") + name + QLatin1Char('>')
-                    + escaped(cell, false, removed) + QLatin1String("</") + name + QLatin1Char('>')
-                    + lineEnding;
+                out += QLatin1Char(' ');
+                out += name;
+                out += QLatin1String("=\"");
+                appendEscaped(out, cell, true, removed);
+                out += QLatin1Char('"');
+                continue;
             }
+            children += QLatin1String("        <");
+            children += name;
+            if (cell.isEmpty()) {
+                children += QLatin1String("/>");
+            } else {
+                children += QLatin1Char('>');
+                appendEscaped(children, cell, false, removed);
+                children += QLatin1String("</");
+                children += name;
+                children += QLatin1Char('>');
+            }
+            children += lineEnding;
         }
         if (children.isEmpty()) {
             sink << QLatin1String("/>");
@@ -267,14 +277,13 @@ bool writeXml(const Dataset &dataset, const OutputOptions &options, QIODevice &d
                                .arg(formatCount(removed), plural(removed, tr("character"), tr("characters")));
     }
     if (appending) {
-        if (!closing.finish(device, sink)) {
-            report.warnings.prepend(tr("Unable to append to '%1'").arg(absolutePath(options.path)));
+        // A device that fails is named by the write pipeline.
+        if (!closing.finish(device, sink))
             return false;
-        }
     } else {
         sink << endTag;
         sink.endLine();
     }
     report.reportProgress(1);
-    return sink.finish(report, options.path);
+    return sink.finish(report);
 }

@@ -12,6 +12,7 @@
 #include <yaml-cpp/yaml.h>
 
 #include <algorithm>
+#include <cstring>
 
 using namespace StructuredText;
 
@@ -162,6 +163,66 @@ private:
     QVector<size_t> m_strip;
 };
 
+// A cell's value in a row: a string, a bare word (numbers, booleans), null or JSON.
+struct Scalar
+{
+    enum Kind { Text, Plain, Null, Json };
+    int column;
+    Kind kind;
+    QString text;
+    JsonValue json;
+};
+
+// The text as a plain or double-quoted scalar when neither needs more than the text itself:
+// plain for letters, digits, blanks and a few marks that no reader takes for syntax or another
+// type, quoted for printable text without '"' or "\\". A null string otherwise.
+QString simpleScalar(const QString &text)
+{
+    if (text.isEmpty())
+        return QStringLiteral("\"\"");
+    bool plain = true;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        const ushort u = c.unicode();
+        if (u < 0x20 || u == '"' || u == '\\' || (u >= 0x7F && u <= 0x9F) || u == 0x2028 || u == 0x2029
+            || u == 0xFEFF || c.isSurrogate()) {
+            return QString();
+        }
+        if (plain && !c.isLetterOrNumber()) {
+            const char *allowed = i == 0 ? "_./($" : " _-.,/()+=;'~^$";
+            plain = u < 0x80 && std::strchr(allowed, char(u));
+        }
+    }
+    plain = plain && !text.at(text.size() - 1).isSpace() && !yamlLooksTyped(text);
+    return plain ? text : QLatin1Char('"') + text + QLatin1Char('"');
+}
+
+// The row as yaml-cpp writes it, when every key and value is simple.
+bool simpleRow(
+    const QVector<Scalar> &values, const QStringList &keys, QString &line, const QString &lineEnding)
+{
+    line = QStringLiteral("- ");
+    if (values.isEmpty()) {
+        line += QLatin1String("{}");
+        return true;
+    }
+    for (int i = 0; i < values.size(); ++i) {
+        const Scalar &value = values.at(i);
+        const QString &key = keys.at(value.column);
+        if (key.isNull() || value.kind == Scalar::Json)
+            return false;
+        const QString scalar = value.kind == Scalar::Null ? QStringLiteral("null")
+            : value.kind == Scalar::Plain                 ? value.text
+                                                          : simpleScalar(value.text);
+        if (scalar.isNull())
+            return false;
+        if (i > 0)
+            line += lineEnding + QLatin1String("  ");
+        line += key + QLatin1String(": ") + scalar;
+    }
+    return true;
+}
+
 } // namespace
 
 bool yamlLooksTyped(const QString &text)
@@ -202,6 +263,9 @@ bool writeYaml(const Dataset &dataset, const OutputOptions &options, QIODevice &
             report.information << tr("Column '%1' written as '%2'").arg(headers.at(c), names.at(c));
     }
     const QVector<int> types = valueTypes(dataset, options, report);
+    QStringList keys;
+    for (const QString &name : names)
+        keys << simpleScalar(name);
 
     TextSink sink(device, options.encoding, lineEnding);
     const bool appending = options.writeMode == OutputOptions::Append && !holdsNoText(device);
@@ -209,7 +273,7 @@ bool writeYaml(const Dataset &dataset, const OutputOptions &options, QIODevice &
     bool replaceEmptyList = false;
     if (appending) {
         if (dataset.hasNoRows())
-            return sink.finish(report, options.path);
+            return sink.finish(report);
         // A file written from a table without rows holds "[]", which the rows replace.
         if (makeSeekable(device) && emptyList.find(device, sink, QStringLiteral("[]"), true)) {
             const QString before = emptyList.textBefore();
@@ -234,17 +298,18 @@ bool writeYaml(const Dataset &dataset, const OutputOptions &options, QIODevice &
         if (dataset.hasNoRows()) {
             sink << QLatin1String("[]");
             sink.endLine();
-            return sink.finish(report, options.path);
+            return sink.finish(report);
         }
     }
 
     CountedMessages notFitting;
+    QVector<Scalar> values;
+    QString line;
     const int rows = dataset.rowCount();
     for (int r = 0; r < rows; ++r) {
         if (r % 1000 == 0)
             report.reportProgress(double(r) / rows);
-        RowEmitter row;
-        row.emitter() << YAML::BeginSeq << YAML::BeginMap;
+        values.resize(0);
         const QStringList &cells = dataset.row(r);
         for (int c = 0; c < qMin(cells.size(), names.size()); ++c) {
             const QString &cell = cells.at(c);
@@ -252,47 +317,58 @@ bool writeYaml(const Dataset &dataset, const OutputOptions &options, QIODevice &
             const bool empty = type == TextType ? cell.isEmpty() : cell.trimmed().isEmpty();
             if (empty && options.removeEmpty)
                 continue;
-            row.emitter() << YAML::Key;
-            row.string(names.at(c));
-            row.emitter() << YAML::Value;
+            Scalar value {c, Scalar::Text, cell, {}};
             if (empty) {
-                if (type == TextType)
-                    row.string(QString());
-                else
-                    row.null();
-                continue;
-            }
-            bool fits = true;
-            if (type == NumberType) {
-                const QString number = cell.trimmed();
-                fits = isJsonNumber(number);
-                if (fits)
-                    row.plain(number);
+                value.kind = type == TextType ? Scalar::Text : Scalar::Null;
+            } else if (type == NumberType) {
+                value.text = cell.trimmed();
+                value.kind = isJsonNumber(value.text) ? Scalar::Plain : Scalar::Text;
             } else if (type == BooleanType) {
-                const QString word = booleanWord(cell);
-                fits = !word.isEmpty();
-                if (fits)
-                    row.plain(word);
+                value.text = booleanWord(cell);
+                value.kind = value.text.isEmpty() ? Scalar::Text : Scalar::Plain;
             } else if (type == JsonType) {
-                JsonValue value;
-                fits = parseJsonValue(cell, value);
-                if (fits)
-                    row.json(value);
+                value.kind = parseJsonValue(cell, value.json) ? Scalar::Json : Scalar::Text;
             }
-            if (!fits)
+            if (value.kind == Scalar::Text && type != TextType) {
+                value.text = cell;
                 notFitting.add(cellNotTypeMessage(cell, headers.at(c), r + 1, type));
-            if (type == TextType || !fits)
-                row.string(cell);
+            }
+            values << value;
         }
-        row.emitter() << YAML::EndMap << YAML::EndSeq;
-        sink << row.text(lineEnding);
+        // Rows of simple scalars are written directly: yaml-cpp's check of every plain
+        // scalar is slow, and it only confirms what simpleScalar already knows.
+        if (simpleRow(values, keys, line, lineEnding)) {
+            sink << line;
+        } else {
+            RowEmitter row;
+            row.emitter() << YAML::BeginSeq << YAML::BeginMap;
+            for (const Scalar &value : values) {
+                row.emitter() << YAML::Key;
+                row.string(names.at(value.column));
+                row.emitter() << YAML::Value;
+                switch (value.kind) {
+                case Scalar::Null:
+                    row.null();
+                    break;
+                case Scalar::Plain:
+                    row.plain(value.text);
+                    break;
+                case Scalar::Json:
+                    row.json(value.json);
+                    break;
+                case Scalar::Text:
+                    row.string(value.text);
+                    break;
+                }
+            }
+            row.emitter() << YAML::EndMap << YAML::EndSeq;
+            sink << row.text(lineEnding);
+        }
         sink.endLine();
     }
     notFitting.appendTo(report.warnings);
-    if (replaceEmptyList && !emptyList.cut(device, sink)) {
-        report.warnings.prepend(tr("Unable to append to '%1'").arg(absolutePath(options.path)));
-        return false;
-    }
+    if (replaceEmptyList && !emptyList.cut(device, sink))
+        return false; // a device that fails is named by the write pipeline
     report.reportProgress(1);
-    return sink.finish(report, options.path);
+    return sink.finish(report);
 }

@@ -255,6 +255,8 @@ void TestDelimitedWriter::encodings_data()
         << "UTF-8" << QString::fromUtf8("é😀") << QByteArray::fromHex("c3a9f09f98800a") << "";
     QTest::newRow("utf-16le, no mark from the writer") << "UTF-16LE"
                                                        << "a" << QByteArray::fromHex("61000a00") << "";
+    QTest::newRow("utf-32le, astral plane")
+        << "UTF-32LE" << QString::fromUtf8("a😀") << QByteArray::fromHex("6100000000f601000a000000") << "";
     QTest::newRow("utf-16be") << "UTF-16BE"
                               << "a" << QByteArray::fromHex("0061000a") << "";
     QTest::newRow("latin-1 counts a surrogate pair once")

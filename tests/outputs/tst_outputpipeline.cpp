@@ -310,8 +310,6 @@ void TestOutputPipeline::messages_data()
     QTest::newRow("blocked in capitals")
         << "out.EXE" << int(IONode::DelimitedText) << lf << true << error
         << "The extension for this file is blocked in 'Preferences>Output Extensions':\n<dir>/out.EXE";
-    QTest::newRow("no writer") << "out.md" << none << lf << true << error
-                               << "Writing Markdown files is not available in this version";
     QTest::newRow("nothing connected")
         << "out.csv" << none << lf << false << ok << "No transforms or inputs connected";
 }

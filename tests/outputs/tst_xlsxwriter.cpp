@@ -151,6 +151,7 @@ private slots:
     void rewriteKeepsOtherSheets();
     void failedWriteLeavesFile_data();
     void failedWriteLeavesFile();
+    void styleTemplateNotApplied();
 };
 
 void TestXlsxWriter::cellPlan_data()
@@ -508,6 +509,28 @@ void TestXlsxWriter::failedWriteLeavesFile()
     QVERIFY2(report.warnings.value(0).startsWith(warning.arg(where)), qPrintable(report.warnings.value(0)));
     QCOMPARE(digest(file), before);
     QCOMPARE(entries(folder.path()), entriesBefore);
+}
+
+void TestXlsxWriter::styleTemplateNotApplied()
+{
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("styled.xlsx"));
+    OutputOptions settings = options(QStringLiteral("S"));
+    settings.useStyleTemplate = true;
+    settings.styleTemplate = folder.filePath(QStringLiteral("template.xlsx"));
+    WriteReport report;
+    QVERIFY(writeXlsxWorkbook(path, table(QStringLiteral("a\n1"), true), settings, report));
+    QCOMPARE(report.warnings,
+        QStringList {QStringLiteral("The style template '%1' was not applied: this version "
+                                    "writes workbooks without style templates")
+                         .arg(QDir::toNativeSeparators(settings.styleTemplate))});
+    settings.writeMode = OutputOptions::Append;
+    report = WriteReport();
+    QVERIFY(writeXlsxWorkbook(path, table(QStringLiteral("a\n2"), true), settings, report));
+    QVERIFY(report.warnings.isEmpty());
+    QVERIFY(report.information.contains(
+        QStringLiteral("Style template not used when appending to an existing file")));
+    QCOMPARE(readSheet(path, QStringLiteral("S")), QStringLiteral("a\n1\na\n2"));
 }
 
 QTEST_GUILESS_MAIN(TestXlsxWriter)
