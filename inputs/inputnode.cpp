@@ -5,6 +5,7 @@
 #include "flow/fileformat.h"
 #include "flow/filenamevariables.h"
 #include "textsource.h"
+#include "xmlreader.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -316,14 +317,18 @@ bool InputNode::readFile(int fileType, const QString &where)
     }
     addInformation(tr("Read file '%1'").arg(where));
     const bool automatic = encoding().isEmpty() || encoding() == QLatin1String("Automatic");
-    TextSource source(&file, encoding(), fileType == Json);
+    ReadReport report;
+    // An XML file may name its encoding in its declaration.
+    QString declared;
+    if (automatic && fileType == Xml)
+        declared = xmlDeclaredCodec(file.peek(XmlDeclarationBytes), report);
+    TextSource source(&file, declared.isEmpty() ? encoding() : declared, fileType == Json);
     if (automatic
         && (fileType == DelimitedText || fileType == FixedWidth || fileType == Xml || fileType == VCard
             || fileType == PlainText)) {
         addInformation(
             tr("Encoding=Automatic guesses '%1', set 'Encoding' option to change").arg(source.codecName()));
     }
-    ReadReport report;
     return readText(source, fileType, where, report);
 }
 

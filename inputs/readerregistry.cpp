@@ -6,6 +6,8 @@
 #include "jsonreader.h"
 #include "plaintextreader.h"
 #include "vcardreader.h"
+#include "xlsreader.h"
+#include "xlsxreader.h"
 #include "xmlreader.h"
 
 // One line per format. Text formats take a function of the shape
@@ -19,4 +21,6 @@ void registerInputReaders()
     InputNode::setReader(IONode::Json, InputNode::TextReader(readJson));
     InputNode::setReader(IONode::Xml, InputNode::TextReader(readXml));
     InputNode::setReader(IONode::VCard, InputNode::TextReader(readVCard));
+    InputNode::setReader(IONode::ExcelXlsx, InputNode::TextReader(readXlsxInput));
+    InputNode::setReader(IONode::ExcelXls, InputNode::TextReader(readXlsInput));
 }

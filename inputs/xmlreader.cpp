@@ -544,21 +544,31 @@ bool readXml(const QString &text, const InputOptions &options, Dataset &table, R
     return false;
 }
 
-QString decodeXmlBytes(const QByteArray &bytes, ReadReport &report)
+QString xmlDeclaredCodec(const QByteArray &head, ReadReport &report)
 {
-    if (QTextCodec *codec = QTextCodec::codecForUtfText(bytes, nullptr))
-        return codec->toUnicode(bytes);
-    const QString name = declaredEncoding(bytes);
+    if (QTextCodec::codecForUtfText(head, nullptr))
+        return QString();
+    const QString name = declaredEncoding(head);
     // Text whose declaration reads as ASCII is not in UTF-16 or UTF-32, whatever it says.
     const QString upper = name.toUpper();
     if (name.isEmpty() || upper == QLatin1String("UTF-8") || upper == QLatin1String("UTF8")
         || upper.startsWith(QLatin1String("UTF-16")) || upper.startsWith(QLatin1String("UTF-32")))
-        return QString::fromUtf8(bytes);
+        return QString();
     QTextCodec *codec = QTextCodec::codecForName(name.toLatin1());
     if (!codec) {
         report.warnings << tr("Unknown encoding '%1' in the XML declaration; UTF-8 was used").arg(name);
-        return QString::fromUtf8(bytes);
+        return QString();
     }
     report.information << tr("XML declaration sets the encoding to '%1'").arg(name);
-    return codec->toUnicode(bytes);
+    return QString::fromLatin1(codec->name());
+}
+
+QString decodeXmlBytes(const QByteArray &bytes, ReadReport &report)
+{
+    if (QTextCodec *codec = QTextCodec::codecForUtfText(bytes, nullptr))
+        return codec->toUnicode(bytes);
+    const QString name = xmlDeclaredCodec(bytes.left(XmlDeclarationBytes), report);
+    if (name.isEmpty())
+        return QString::fromUtf8(bytes);
+    return QTextCodec::codecForName(name.toLatin1())->toUnicode(bytes);
 }

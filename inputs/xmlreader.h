@@ -15,3 +15,9 @@ bool readXml(const QString &text, const InputOptions &options, Dataset &table, R
 // else the XML declaration's encoding, else UTF-8. A declared encoding other than UTF-8 is
 // told as information; one that is unknown is told as a warning and UTF-8 is used.
 QString decodeXmlBytes(const QByteArray &bytes, ReadReport &report);
+
+// How many bytes at the start of a file hold the declaration, if it has one.
+constexpr int XmlDeclarationBytes = 1024;
+// The codec that an XML file's first bytes declare, when it isn't UTF-8 and there is no
+// byte order mark; empty otherwise. Tells what it found as decodeXmlBytes does.
+QString xmlDeclaredCodec(const QByteArray &head, ReadReport &report);

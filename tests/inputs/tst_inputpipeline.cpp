@@ -31,6 +31,7 @@ private slots:
     void messages();
     void encodings_data();
     void encodings();
+    void xmlDeclaredEncoding();
     void badInput_data();
     void badInput();
     void hugeLine();
@@ -273,6 +274,19 @@ void TestInputPipeline::encodings()
     QCOMPARE(readertest::tableText(node->dataset()), expected);
     QStringList lines = node->information().filter(QStringLiteral("Encoding="));
     QCOMPARE(lines.join(QLatin1Char('|')), guessed);
+    QVERIFY2(node->warnings().isEmpty(), qPrintable(node->warnings().join(QLatin1Char('|'))));
+}
+
+void TestInputPipeline::xmlDeclaredEncoding()
+{
+    // Latin-1 bytes that are not valid UTF-8: only the declaration reads them right.
+    const QString path = write(QStringLiteral("latin.xml"),
+        QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>\n"
+                   "<r><p><n>Andr\xe9</n></p><p><n>Zo\xeb</n></p></r>\n"));
+    InputNode *node = readFile(path, IONode::Xml);
+    QCOMPARE(node->status(), int(Node::UpToDate));
+    QCOMPARE(readertest::tableText(node->dataset()), QStringLiteral("n\n--\nAndr\u00e9\nZo\u00eb"));
+    QVERIFY(node->information().contains(QStringLiteral("XML declaration sets the encoding to 'ISO-8859-1'")));
     QVERIFY2(node->warnings().isEmpty(), qPrintable(node->warnings().join(QLatin1Char('|'))));
 }
 
