@@ -20,6 +20,8 @@ private slots:
     void aliasesChooseFiles();
     void logFileHoldsTheReport();
     void rowCounterGrows();
+    void examples_data();
+    void examples();
     void examplesAreWhatTheBuilderMakes();
 
 private:
@@ -298,6 +300,64 @@ void TestHeadless::rowCounterGrows()
     QCOMPARE(runTabrelle({"-cli", "counted.tflow"}).exitCode, 0);
     // Rows count once per transform that made them.
     QCOMPARE(counter(), before + 6);
+}
+
+void TestHeadless::examples_data()
+{
+    QTest::addColumn<QString>("flow");
+    QTest::addColumn<QStringList>("written"); // under the example's folder
+
+    // Until Filter, Join and Calculate process, they pass the orders through unchanged, and
+    // so does the expected file.
+    QTest::newRow("sales") << "sales/clean-and-merge.tflow"
+                           << QStringList {"output/sales-by-customer.csv", "output/sales-by-customer.xlsx"};
+    QTest::newRow("contacts") << "contacts/contacts.tflow"
+                              << QStringList {"output/contacts.json", "output/contacts.xml",
+                                     "output/contacts.yaml", "output/contacts.vcf"};
+}
+
+void TestHeadless::examples()
+{
+    // A copy, so that the run writes nothing into the source tree.
+    QFETCH(QString, flow);
+    const QString exampleFolder = QFileInfo(flow).path();
+    const QString source = QStringLiteral(TABRELLE_EXAMPLES "/") + exampleFolder;
+    const QString copy = m_dir.filePath(QStringLiteral("examples/") + exampleFolder);
+    QVERIFY(QDir().mkpath(copy + QStringLiteral("/output")));
+    for (const QString &name : QDir(source).entryList(QDir::Files)) {
+        QFile::remove(copy + '/' + name);
+        QVERIFY(QFile::copy(source + '/' + name, copy + '/' + name));
+    }
+    const Result result = runTabrelle({"-cli", "-verbosity", "1", QFileInfo(flow).fileName()}, copy);
+    QCOMPARE(result.err, QStringList());
+    QCOMPARE(result.exitCode, 0);
+    QFETCH(QStringList, written);
+    QCOMPARE(result.out.value(2), QStringLiteral("Outputs written: %1").arg(written.size()));
+    const QString expected = QStringLiteral(TABRELLE_TEST_DATA "/examples/") + exampleFolder;
+    // Write times in file comments change from run to run.
+    const auto timeless = [](const QByteArray &bytes) {
+        return QString::fromUtf8(bytes).replace(
+            QRegularExpression(QStringLiteral("\\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d")),
+            QStringLiteral("*"));
+    };
+    for (const QString &path : written) {
+        if (path.endsWith(QLatin1String(".xlsx"))) {
+            // A workbook is read back into CSV, which must match the CSV output.
+            writeFile(copy + QStringLiteral("/readback.tflow"),
+                flowText(
+                    QStringLiteral("<inputs><input id=\"1\" path=\"%1\" worksheet=\"Sales\" header=\"1\"/>"
+                                   "</inputs>\n")
+                            .arg(path)
+                        + outputs({output(2, "readback.csv")}),
+                    "1>2"));
+            QCOMPARE(runTabrelle({"-cli", "-verbosity", "1", "readback.tflow"}, copy).exitCode, 0);
+            QCOMPARE(readFile(copy + QStringLiteral("/readback.csv")),
+                readFile(copy + '/' + QString(path).replace(QLatin1String(".xlsx"), QLatin1String(".csv"))));
+        } else {
+            QCOMPARE(timeless(readFile(copy + '/' + path)),
+                timeless(readFile(expected + '/' + QFileInfo(path).fileName())));
+        }
+    }
 }
 
 void TestHeadless::examplesAreWhatTheBuilderMakes()
