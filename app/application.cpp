@@ -143,7 +143,8 @@ int Application::run()
         HeadlessRun headless(line, console);
         return headless.exec();
     }
-    // The window arrives with the workbench; until then say what this program is.
+    if (m_startWindow)
+        return m_startWindow(line);
     console.logInfo(tr("Version: %1 %2").arg(BuildInfo::productName(), BuildInfo::version()));
     console.logInfo(
         tr("The workbench window is not part of this build yet. Run a flow with: %1 -cli flow.tflow")

@@ -9,6 +9,7 @@
 class QMessageBox;
 class Settings;
 class NodeFactory;
+struct CommandLine;
 class Transform;
 
 // The process: settings, the registries of items, and the last-resort handlers that
@@ -33,6 +34,10 @@ public:
 
     // Runs the program with its arguments: a headless run, or the window.
     int run();
+    // Opens the window for a command line without -cli and returns the event loop's
+    // result. Set by the executable that has a workbench; without one, run() says so.
+    using WindowStarter = std::function<int(const CommandLine &line)>;
+    void setWindowStarter(WindowStarter starter) { m_startWindow = std::move(starter); }
 
     // Every event passes through here, so that memory exhaustion and escaped exceptions
     // end in a message and a recovery file rather than a lost flow.
@@ -58,5 +63,6 @@ private:
     QList<Transform *> m_transforms;
     QMessageBox *m_outOfMemoryBox = nullptr;
     std::function<void()> m_resetNodes;
+    WindowStarter m_startWindow;
     std::function<void()> m_writeRecovery;
 };
