@@ -32,3 +32,26 @@ void Connection::updatePath()
     path.cubicTo(from + QPointF(reach, 0), to - QPointF(reach, 0), to);
     setPath(path);
 }
+
+QRectF Connection::boundingRect() const
+{
+    if (ItemPainter *painter = Node::itemPainter())
+        return painter->connectionBoundingRect(*this);
+    return QGraphicsPathItem::boundingRect();
+}
+
+QPainterPath Connection::shape() const
+{
+    if (ItemPainter *painter = Node::itemPainter())
+        return painter->connectionShape(*this);
+    return QGraphicsPathItem::shape();
+}
+
+void Connection::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
+{
+    if (ItemPainter *itemPainter = Node::itemPainter()) {
+        itemPainter->paintConnection(*this, painter, option);
+        return;
+    }
+    QGraphicsPathItem::paint(painter, option, widget);
+}

@@ -16,6 +16,10 @@ public:
     ~Connection() override;
 
     int type() const override { return Type; }
+    // Drawn by the node's item painter when one is installed.
+    QRectF boundingRect() const override;
+    QPainterPath shape() const override;
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override;
     Node *start() const { return m_start; }
     Node *end() const { return m_end; }
 

@@ -11,6 +11,7 @@
 namespace {
 
 int s_nextId = 1;
+ItemPainter *s_itemPainter = nullptr;
 
 const qreal TileSize = 56.0;
 const qreal CaptionWidth = 150.0;
@@ -50,16 +51,31 @@ QRectF Node::tileRect()
     return QRectF(-TileSize / 2, -TileSize / 2, TileSize, TileSize);
 }
 
+void Node::setItemPainter(ItemPainter *painter)
+{
+    s_itemPainter = painter;
+}
+
+ItemPainter *Node::itemPainter()
+{
+    return s_itemPainter;
+}
+
 QRectF Node::boundingRect() const
 {
+    if (s_itemPainter)
+        return s_itemPainter->nodeBoundingRect(*this);
     const QRectF tile = tileRect();
     return QRectF(-CaptionWidth / 2, tile.top() - 2, CaptionWidth, tile.height() + CaptionHeight + 4);
 }
 
 void Node::paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget)
 {
-    Q_UNUSED(option)
     Q_UNUSED(widget)
+    if (s_itemPainter) {
+        s_itemPainter->paintNode(*this, painter, option);
+        return;
+    }
     const QRectF tile = tileRect();
     painter->setPen(QPen(statusColor(m_status), isSelected() ? 3.0 : 2.0));
     painter->setBrush(Qt::white);

@@ -12,6 +12,23 @@
 
 class Connection;
 class GraphScene;
+class Node;
+class QPainterPath;
+
+// How nodes and connections look in a window. The flow draws plain tiles by itself; the
+// window installs a painter that draws them with icons, status glyphs and badges.
+class ItemPainter
+{
+public:
+    virtual ~ItemPainter() = default;
+    virtual QRectF nodeBoundingRect(const Node &node) const = 0;
+    virtual void paintNode(const Node &node, QPainter *painter, const QStyleOptionGraphicsItem *option) = 0;
+    // Around the connection's path, with room for its arrow head and pen.
+    virtual QRectF connectionBoundingRect(const Connection &connection) const = 0;
+    virtual QPainterPath connectionShape(const Connection &connection) const = 0;
+    virtual void paintConnection(
+        const Connection &connection, QPainter *painter, const QStyleOptionGraphicsItem *option) = 0;
+};
 
 // One row of an item's details table: (property, value).
 using DetailRow = QPair<QString, QString>;
@@ -153,6 +170,11 @@ public:
     static void setNextId(int id);
     // After a document read: the counter moves past id unless it is already beyond.
     static void raiseNextId(int id);
+
+    // The painter of every node and connection; nullptr for the plain drawing. The caller
+    // keeps ownership.
+    static void setItemPainter(ItemPainter *painter);
+    static ItemPainter *itemPainter();
 
     // The tile that ports and connections attach to, in item coordinates.
     static QRectF tileRect();
