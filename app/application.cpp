@@ -5,6 +5,8 @@
 #include "app/console.h"
 #include "app/headlessrun.h"
 #include "app/transformregistry.h"
+#include "charts/chartdocument.h"
+#include "charts/chartnode.h"
 #include "core/dataset.h"
 #include "core/settings.h"
 #include "core/values.h"
@@ -119,6 +121,7 @@ void Application::registerItems()
     registerOutputWriters();
     m_nodeFactory->registerCreator(QStringLiteral("Input"), [] { return new InputNode; });
     m_nodeFactory->registerCreator(QStringLiteral("Output"), [] { return new OutputNode; });
+    m_nodeFactory->registerCreator(QStringLiteral("Chart"), [] { return new ChartNode; });
     m_nodeFactory->registerCreator(QStringLiteral("Note"), [] { return new NoteNode; });
     for (const Transform *prototype : qAsConst(m_transforms)) {
         m_nodeFactory->registerCreator(QStringLiteral("Transform:%1").arg(prototype->id()),
@@ -131,6 +134,7 @@ void Application::registerItems()
     Document::registerItemType(InputDocument::itemType());
     Document::registerItemType(TransformDocument::itemType());
     Document::registerItemType(OutputDocument::itemType());
+    Document::registerItemType(ChartDocument::itemType());
 }
 
 int Application::run()
