@@ -124,15 +124,7 @@ int HeadlessRun::report(GraphScene &scene, qint64 elapsedNanoseconds)
     Application *application = Application::instance();
     const bool charts = !application || application->nodeFactory().contains(QStringLiteral("Chart"));
     RunReport report(m_line.verbosity, charts);
-    QList<Node *> nodes = scene.nodes();
-    // An output that writes nothing is passed over; the report asks Node::isReportedInRun,
-    // which OutputNode doesn't answer yet.
-    nodes.erase(std::remove_if(nodes.begin(), nodes.end(),
-                    [](const Node *node) {
-                        const auto *output = qobject_cast<const OutputNode *>(node);
-                        return output && output->writeMode() == OutputNode::Disabled;
-                    }),
-        nodes.end());
+    const QList<Node *> nodes = scene.nodes();
     report.count(nodes, scene.overwrittenPaths());
     for (const RunReport::Line &line : report.itemLines()) {
         if (line.error)

@@ -54,6 +54,8 @@ public:
     void setOptions(const OutputOptions &options);
 
     int writeMode() const { return m_options.writeMode; }
+    // An output that writes nothing is left out of the run's report.
+    bool isReportedInRun() const override { return writeMode() != Disabled; }
     // A number outside 0..3 is taken as Overwrite.
     void setWriteMode(int mode);
     static QString writeModeName(int mode);
