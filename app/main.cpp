@@ -1,6 +1,7 @@
 #include "app/application.h"
 #include "app/commandline.h"
 #include "app/console.h"
+#include "workbench/mainwindow.h"
 
 #include <QStringList>
 #include <QtGlobal>
@@ -35,6 +36,13 @@ int main(int argc, char **argv)
     Console::setToolkitMuted(qgetenv("QT_QPA_PLATFORM") == "offscreen");
     Application application(argc, argv, cli);
     Console::setToolkitMuted(false);
+    application.setWindowStarter([&application](const CommandLine &line) {
+        MainWindow window(application.settings(), application.transforms());
+        window.show();
+        if (!line.documentPath.isEmpty())
+            window.openDocument(line.documentPath, false);
+        return application.exec();
+    });
     QCoreApplication::processEvents();
     return application.run();
 }
