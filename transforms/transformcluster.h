@@ -23,4 +23,10 @@ public:
     TABRELLE_TRANSFORM_CLONE(TransformCluster)
     void createParameters(const QList<Node *> &inputs, bool useDefaults) override;
     Dataset process(const QList<Node *> &inputs, bool &failed) override;
+
+private:
+    struct Options;
+    // Each fills the two new columns and returns how many rows it assigned.
+    int clusterByTerms(const Dataset &input, Dataset &output, const Options &options, QStringList &warnings);
+    int clusterBySearch(const Dataset &input, Dataset &output, const Options &options, QStringList &warnings);
 };
