@@ -250,6 +250,13 @@ void TestValues::renderNumber_data()
     QTest::newRow("large fraction") << 123456789.123456789 << "123456789.1234568";
     QTest::newRow("small") << -1e-7 << "-0.0000001";
     QTest::newRow("huge") << 1e20 << "100000000000000000000";
+    QTest::newRow("exact tie away from zero") << 4156355813254686.5 << "4156355813254687";
+    QTest::newRow("negative exact tie") << -2280803135139850.5 << "-2280803135139851";
+    QTest::newRow("tie in the decimals") << 356855541210296.25 << "356855541210296.3";
+    QTest::newRow("smallest") << 5e-324
+                              << QStringLiteral("0.") + QString(323, QLatin1Char('0'))
+            + QStringLiteral("4940656458412465");
+    QTest::newRow("largest") << 1.7976931348623157e308 << QString::number(1.7976931348623157e308, 'f', 0);
     QTest::newRow("infinite") << HUGE_VAL << "NaN";
     QTest::newRow("not a number") << std::nan("") << "NaN";
 }
