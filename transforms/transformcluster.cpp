@@ -76,6 +76,53 @@ QStringList wordNgrams(const QString &text)
     return ngrams;
 }
 
+// How often each character occurs, in 64 buckets: letters and digits each their own, the
+// rest shared. One edit changes these counts by at most 2 in all, so half their difference
+// is a lower bound of the edit distance, found without the distance itself.
+struct CharacterCounts
+{
+    quint8 counts[64] = {};
+
+    explicit CharacterCounts(const QString &text = QString())
+    {
+        for (const QChar character : text) {
+            const ushort c = character.unicode();
+            int bucket = 62 + (c & 1);
+            if (c >= 'a' && c <= 'z')
+                bucket = c - 'a';
+            else if (c >= 'A' && c <= 'Z')
+                bucket = c - 'A' + 26;
+            else if (c >= '0' && c <= '9')
+                bucket = c - '0' + 52;
+            // Capped counts only make the bound lower, so it stays a bound.
+            if (counts[bucket] < 255)
+                ++counts[bucket];
+        }
+    }
+
+    int distanceBound(const CharacterCounts &other) const
+    {
+        int difference = 0;
+        for (int i = 0; i < 64; ++i)
+            difference += std::abs(int(counts[i]) - int(other.counts[i]));
+        return (difference + 1) / 2;
+    }
+};
+
+// closeness() of core/matching, with pairs that cannot be within the tolerance turned away
+// before the distance is computed: the same result, sooner for far-off pairs.
+int quickCloseness(const QString &a, const CharacterCounts &countsA, const QString &b,
+    const CharacterCounts &countsB, int minimum)
+{
+    const int longest = qMax(a.size(), b.size());
+    if (longest == 0)
+        return 100;
+    const double tolerance = std::trunc((100.0 - minimum) * longest / 100);
+    if (std::abs(a.size() - b.size()) > tolerance || countsA.distanceBound(countsB) > tolerance)
+        return -1;
+    return closeness(a, b, minimum);
+}
+
 // The rows' normal forms, each distinct one once, so that a text repeated on many rows is
 // compared with the terms once.
 struct DistinctTexts
@@ -83,6 +130,7 @@ struct DistinctTexts
     QStringList texts; // in order of first appearance
     QVector<int> rowText; // row -> index in texts
     QVector<int> rowCounts; // index in texts -> rows holding it
+    QVector<CharacterCounts> counts; // index in texts -> its character counts
 
     DistinctTexts(const Dataset &dataset, DataColumnIndex column, bool caseSensitive)
     {
@@ -96,6 +144,7 @@ struct DistinctTexts
                 found = index.insert(text, texts.size());
                 texts << text;
                 rowCounts << 0;
+                counts << CharacterCounts(text);
             }
             rowText[r] = found.value();
             ++rowCounts[found.value()];
@@ -105,14 +154,15 @@ struct DistinctTexts
 
 // The term a text goes to: the first with the highest closeness that is at least the
 // minimum; -1 for none or for an empty text.
-QPair<int, int> nearestTerm(const QString &text, const QStringList &terms, int minimum)
+QPair<int, int> nearestTerm(const QString &text, const CharacterCounts &textCounts, const QStringList &terms,
+    const QVector<CharacterCounts> &termCounts, int minimum)
 {
     if (text.isEmpty())
         return {-1, -1};
     int best = -1;
     int bestCloseness = -1;
     for (int t = 0; t < terms.size(); ++t) {
-        const int c = closeness(text, terms.at(t), minimum);
+        const int c = quickCloseness(text, textCounts, terms.at(t), termCounts.at(t), minimum);
         if (c != -1 && c >= minimum && c > bestCloseness) {
             best = t;
             bestCloseness = c;
@@ -372,6 +422,9 @@ int TransformCluster::clusterByTerms(
     }
 
     const DistinctTexts distinct(input, options.column, options.caseSensitive);
+    QVector<CharacterCounts> termCounts;
+    for (const QString &term : qAsConst(terms))
+        termCounts << CharacterCounts(term);
     constexpr int NotYet = -2;
     QVector<QPair<int, int>> nearest(distinct.texts.size(), qMakePair(NotYet, -1));
     QVector<QString> percentTexts(101);
@@ -385,7 +438,8 @@ int TransformCluster::clusterByTerms(
         const int text = distinct.rowText.at(r);
         QPair<int, int> &term = nearest[text];
         if (term.first == NotYet)
-            term = nearestTerm(distinct.texts.at(text), terms, options.fuzziness);
+            term = nearestTerm(
+                distinct.texts.at(text), distinct.counts.at(text), terms, termCounts, options.fuzziness);
         if (term.first < 0) {
             output.setCell(r, options.clusterColumn, noneText());
             continue;
@@ -447,8 +501,9 @@ int TransformCluster::clusterBySearch(
     QMap<int, QVector<int>> textsByLength;
     for (int d = 0; d < distinctCount; ++d)
         textsByLength[distinct.texts.at(d).size()] << d;
-    auto isClose = [fuzziness](const QString &text, const QString &term) {
-        const int c = closeness(text, term, fuzziness);
+    auto isClose = [&](int text, const QString &term, const CharacterCounts &termCounts) {
+        const int c =
+            quickCloseness(distinct.texts.at(text), distinct.counts.at(text), term, termCounts, fuzziness);
         return c != -1 && c >= fuzziness;
     };
 
@@ -490,7 +545,8 @@ int TransformCluster::clusterBySearch(
             // Rows are tested in order, and each one that falls short before the first close
             // one puts the candidate on the skip list: so it is skipped from now on exactly
             // when the first row is not close.
-            if (isClose(distinct.texts.at(distinct.rowText.at(0)), text)) {
+            const CharacterCounts textCounts(text);
+            if (isClose(distinct.rowText.at(0), text, textCounts)) {
                 chosen = candidate;
                 break;
             }
@@ -502,7 +558,7 @@ int TransformCluster::clusterBySearch(
                 if (std::abs(it.key() - length) > tolerance)
                     continue;
                 for (int d : it.value()) {
-                    if (isClose(distinct.texts.at(d), text)) {
+                    if (isClose(d, text, textCounts)) {
                         chosen = candidate;
                         break;
                     }
@@ -553,9 +609,12 @@ int TransformCluster::clusterBySearch(
             cachedValues = 0;
         }
         QVector<qint8> values(distinctCount);
+        const CharacterCounts termCounts(term);
         for (int d = 0; d < distinctCount; ++d) {
             const QString &text = distinct.texts.at(d);
-            values[d] = qint8(text.isEmpty() ? -1 : closeness(text, term, fuzziness));
+            values[d] = qint8(text.isEmpty()
+                    ? -1
+                    : quickCloseness(text, distinct.counts.at(d), term, termCounts, fuzziness));
         }
         cachedValues += distinctCount;
         closenessCache.insert(term, values);

@@ -1,9 +1,11 @@
 #include "testutil.h"
 
+#include "core/matching.h"
 #include "flow/node.h"
 #include "transforms/transformcluster.h"
 
 #include <QLocale>
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QtTest>
 
@@ -116,6 +118,7 @@ private slots:
     void manual_data();
     void manual();
     void manualMessages();
+    void manualFollowsCloseness();
     void search_data();
     void search();
     void allEmpty_data();
@@ -197,6 +200,53 @@ void TestCluster::manualMessages()
     QCOMPARE(outcome.warnings, QStringList({"8 row(s) not assigned a cluster", "No terms to cluster on"}));
     QCOMPARE(outcome.information, QStringList());
     QCOMPARE(outcome.result, QStringLiteral("0 clustered from 8 row(s)"));
+}
+
+// Random texts against random terms: each row goes to the first term of highest closeness
+// that reaches the minimum, exactly as the closeness measure has it.
+void TestCluster::manualFollowsCloseness()
+{
+    QRandomGenerator random(11);
+    const QString alphabet = QStringLiteral("abcAB12 \u00e9\u00c9-");
+    auto text = [&](int maximum) {
+        QString result;
+        const int length = int(random.bounded(maximum + 1));
+        for (int i = 0; i < length; ++i)
+            result += alphabet.at(int(random.bounded(alphabet.size())));
+        return result;
+    };
+    QStringList cells;
+    for (int i = 0; i < 600; ++i)
+        cells << text(12);
+    DataNode node(column(cells));
+    for (bool caseSensitive : {false, true}) {
+        for (int fuzziness : {0, 35, 50, 75, 100}) {
+            QStringList terms;
+            for (int i = 0; i < 8; ++i) {
+                QString term = text(10).trimmed();
+                if (!term.isEmpty())
+                    terms << term;
+            }
+            Options options;
+            options.terms = terms.join(QLatin1Char('\n'));
+            options.fuzziness = fuzziness;
+            options.caseSensitive = caseSensitive;
+            const QStringList actual = run(node, options).cells();
+            for (int r = 0; r < cells.size(); ++r) {
+                const QString value = caseSensitive ? cells.at(r).trimmed() : cells.at(r).trimmed().toLower();
+                QString expected = QStringLiteral("<None>:");
+                int best = -1;
+                for (const QString &term : qAsConst(terms)) {
+                    const int c = closeness(value, caseSensitive ? term : term.toLower(), fuzziness);
+                    if (!value.isEmpty() && c != -1 && c >= fuzziness && c > best) {
+                        best = c;
+                        expected = term + QLatin1Char(':') + QString::number(c);
+                    }
+                }
+                QCOMPARE(actual.at(r), expected);
+            }
+        }
+    }
 }
 
 // Guided and Automatic search for terms; their Cluster cells show the term lower-cased.
