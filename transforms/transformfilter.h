@@ -21,4 +21,13 @@ public:
     TABRELLE_TRANSFORM_CLONE(TransformFilter)
     void createParameters(const QList<Node *> &inputs, bool useDefaults) override;
     Dataset process(const QList<Node *> &inputs, bool &failed) override;
+
+    // The conditions in one line for the item's tool tip, such as
+    // "Remove (Status equal to 'Cancelled') OR (Notes is empty)".
+    QString summary() const;
+    // The same for a given value; dataset names the columns and may be null.
+    static QString summary(const FilterColumnsValue &filter, const Dataset *dataset);
+
+    // Whether a condition takes part in the test: it has a term, or its operator needs none.
+    static bool isUsable(const Condition &condition);
 };
