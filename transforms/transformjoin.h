@@ -29,5 +29,13 @@ public:
     TABRELLE_TRANSFORM_CLONE(TransformJoin)
     void createParameters(const QList<Node *> &inputs, bool useDefaults) override;
     bool reorderInputs(QList<Node *> &inputs) override;
+    void setUpstream(const QList<Node *> &nodes) override;
     Dataset process(const QList<Node *> &inputs, bool &failed) override;
+
+private:
+    Dataset joinByKey(const Dataset &top, const Dataset &bottom);
+    Dataset joinByRowNumber(const Dataset &top, const Dataset &bottom);
+    // The output's headers and column ids: the top's, then the bottom's without the
+    // column at skipBottom (-1 for none); ids that repeat are cleared.
+    static void joinColumns(Dataset &output, const Dataset &top, const Dataset &bottom, int skipBottom);
 };
