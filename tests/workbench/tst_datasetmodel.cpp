@@ -1,0 +1,347 @@
+#include "testutil.h"
+
+#include "workbench/datapanel.h"
+#include "workbench/datasettablemodel.h"
+#include "workbench/datatableview.h"
+#include "workbench/findbar.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QMimeData>
+#include <QScrollBar>
+#include <QtTest>
+
+class TestDatasetModel : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void displayText_data();
+    void displayText();
+    void alignment_data();
+    void alignment();
+    void verifyBackground();
+    void linksAndToolTip();
+    void headers();
+    void longTableReadsOnlyVisibleCells();
+    void copy_data();
+    void copy();
+    void find_data();
+    void find();
+    void findInvalidPattern();
+    void goToRow_data();
+    void goToRow();
+};
+
+void TestDatasetModel::initTestCase()
+{
+    Dataset::setMemoryMode(1);
+}
+
+void TestDatasetModel::displayText_data()
+{
+    QTest::addColumn<QString>("cell");
+    QTest::addColumn<int>("maxChars");
+    QTest::addColumn<bool>("whitespace");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("plain") << "abc" << 1000 << false << "abc";
+    QTest::newRow("line feed") << "a\nb" << 1000 << false << "a↵b";
+    QTest::newRow("crlf is one mark") << "a\r\nb" << 1000 << false << "a↵b";
+    QTest::newRow("lone cr") << "a\rb\r" << 1000 << false << "a↵b↵";
+    QTest::newRow("tab") << "a\tb" << 1000 << false << "a⇥b";
+    QTest::newRow("spaces kept without whitespace view") << " a  b " << 1000 << false << " a  b ";
+    QTest::newRow("spaces shown") << " a  b " << 1000 << true << "·a··b·";
+    QTest::newRow("empty stays empty") << "" << 1000 << true << "";
+    QTest::newRow("cut with ellipsis") << "abcdef" << 4 << false << "abcd…";
+    QTest::newRow("exactly at limit") << "abcd" << 4 << false << "abcd";
+    QTest::newRow("cut counts source characters") << "a\r\nbcdef" << 3 << false << "a↵…";
+}
+
+void TestDatasetModel::displayText()
+{
+    QFETCH(QString, cell);
+    QFETCH(int, maxChars);
+    QFETCH(bool, whitespace);
+    QFETCH(QString, expected);
+    QCOMPARE(DatasetTableModel::displayText(cell, maxChars, whitespace), expected);
+
+    // Through the model, with the same settings.
+    Dataset dataset;
+    dataset.setColumnCount(1);
+    dataset.appendRow({cell});
+    DatasetTableModel model;
+    model.setMaxCellChars(maxChars);
+    model.setShowWhitespace(whitespace);
+    model.setDataset(dataset);
+    QCOMPARE(model.data(model.index(0, 0)).toString(), expected);
+}
+
+void TestDatasetModel::alignment_data()
+{
+    QTest::addColumn<QString>("table");
+    QTest::addColumn<bool>("rightAligned");
+    QTest::newRow("numbers") << "1\n2.5\n-3" << true;
+    QTest::newRow("text") << "a\nb" << false;
+    QTest::newRow("mixed") << "1\nb" << false;
+    QTest::newRow("dates") << "2021-01-05\n2021-02-07" << false;
+}
+
+void TestDatasetModel::alignment()
+{
+    QFETCH(QString, table);
+    QFETCH(bool, rightAligned);
+    DatasetTableModel model;
+    model.setDataset(testutil::toDataset(table));
+    const int alignment = model.data(model.index(0, 0), Qt::TextAlignmentRole).toInt();
+    QCOMPARE(bool(alignment & Qt::AlignRight), rightAligned);
+    QVERIFY(alignment & Qt::AlignVCenter);
+}
+
+void TestDatasetModel::verifyBackground()
+{
+    Dataset dataset = testutil::toDataset("a,b\nc,d");
+    dataset.addColumnRuleFail(0, 1, 0, VerifyFailError);
+    dataset.addCellFail(1, 0, VerifyFailWarning);
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    const auto colour = [&](int row, int column) {
+        return model.data(model.index(row, column), Qt::BackgroundRole).value<QBrush>().color();
+    };
+    QCOMPARE(colour(0, 1), QColor(0xF8, 0xD0, 0xCC));
+    QCOMPARE(colour(1, 0), QColor(0xFB, 0xE7, 0xB5));
+    QVERIFY(!model.data(model.index(0, 0), Qt::BackgroundRole).isValid());
+    // The row and the column of a failed column rule are marked in the headers too.
+    QCOMPARE(model.headerData(0, Qt::Vertical, Qt::BackgroundRole).value<QBrush>().color(),
+        QColor(0xF8, 0xD0, 0xCC));
+    QCOMPARE(model.headerData(1, Qt::Horizontal, Qt::BackgroundRole).value<QBrush>().color(),
+        QColor(0xF8, 0xD0, 0xCC));
+    QVERIFY(!model.headerData(1, Qt::Vertical, Qt::BackgroundRole).isValid());
+    QVERIFY(model.data(model.index(0, 1), Qt::ToolTipRole)
+                .toString()
+                .contains(QStringLiteral("\nError: Required")));
+}
+
+void TestDatasetModel::linksAndToolTip()
+{
+    Dataset dataset = testutil::toDataset("a,b\nc,d");
+    dataset.addCellRowLinks(1, 1, {DataRowIndex(3), DataRowIndex(4)});
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    QVERIFY(model.data(model.index(1, 1), DatasetTableModel::HasLinksRole).toBool());
+    QVERIFY(!model.data(model.index(0, 1), DatasetTableModel::HasLinksRole).toBool());
+    QCOMPARE(model.data(model.index(1, 1), Qt::ToolTipRole).toString(),
+        QStringLiteral("d\n\n2 linked row(s). Double-click to show them."));
+    QCOMPARE(model.data(model.index(0, 0), Qt::ToolTipRole).toString(), QStringLiteral("a"));
+
+    // A long cell's tool tip is cut at 4,000 characters.
+    Dataset longCell;
+    longCell.setColumnCount(1);
+    longCell.appendRow({QString(5000, QLatin1Char('x'))});
+    model.setDataset(longCell);
+    QCOMPARE(model.data(model.index(0, 0), Qt::ToolTipRole).toString(),
+        QString(4000, QLatin1Char('x')) + QStringLiteral("…"));
+}
+
+void TestDatasetModel::headers()
+{
+    Dataset dataset = testutil::toDataset("name,,amount\nx,y,1\nz,w,2", true);
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    QCOMPARE(model.headerData(0, Qt::Horizontal).toString(), QStringLiteral("name"));
+    QCOMPARE(model.headerData(1, Qt::Horizontal).toString(), QStringLiteral("2"));
+    QCOMPARE(model.headerData(2, Qt::Horizontal, Qt::ToolTipRole).toString(),
+        QStringLiteral("Column 3 of 3: 'amount'\nType: number\n( 1, 2 )"));
+    QCOMPARE(model.headerData(1, Qt::Vertical).toString(), QStringLiteral("2"));
+
+    Dataset many;
+    many.setColumnCount(1);
+    for (int i = 0; i < 1234; ++i)
+        many.appendRow({QString::number(i)});
+    model.setDataset(many);
+    QCOMPARE(model.headerData(1233, Qt::Vertical).toString(), QLocale().toString(1234));
+}
+
+void TestDatasetModel::longTableReadsOnlyVisibleCells()
+{
+    // Ten million rows that all share one row's storage.
+    Dataset dataset;
+    dataset.setColumnCount(5);
+    const QStringList row = {QStringLiteral("alpha"), QStringLiteral("12.5"),
+        QStringLiteral("a longer text cell"), QStringLiteral("x"), QStringLiteral("2021-03-04")};
+    dataset.reserveRows(10000000);
+    for (int i = 0; i < 10000000; ++i)
+        dataset.appendRow(row);
+
+    DataTableView view;
+    view.resize(800, 600);
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    view.setDatasetModel(&model);
+    view.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&view));
+    model.resetCellReads();
+    view.scrollToBottom();
+    QApplication::processEvents();
+    view.viewport()->repaint();
+    QVERIFY2(model.cellReads() < 5000, qPrintable(QString::number(model.cellReads())));
+    QVERIFY(model.cellReads() > 0);
+    QCOMPARE(view.rowAt(view.viewport()->height() - 2) >= 9999990
+            || view.rowAt(view.viewport()->height() - 2) == -1,
+        true);
+}
+
+void TestDatasetModel::copy_data()
+{
+    QTest::addColumn<QString>("cell");
+    QTest::addColumn<bool>("withHeaders");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("plain") << "b" << false << "a\tb\n";
+    QTest::newRow("tab quoted") << "x\ty" << false << "a\t\"x\ty\"\n";
+    QTest::newRow("line feed quoted") << "x\ny" << false << "a\t\"x\ny\"\n";
+    QTest::newRow("carriage return quoted") << "x\ry" << false << "a\t\"x\ry\"\n";
+    QTest::newRow("quotes doubled") << "say \"hi\"" << false << "a\t\"say \"\"hi\"\"\"\n";
+    QTest::newRow("with headers") << "b" << true << "h1\th2\na\tb\n";
+}
+
+void TestDatasetModel::copy()
+{
+    QFETCH(QString, cell);
+    QFETCH(bool, withHeaders);
+    QFETCH(QString, expected);
+    Dataset dataset;
+    dataset.setColumnCount(3);
+    dataset.setHeaders({QStringLiteral("h1"), QStringLiteral("h2"), QStringLiteral("h3")});
+    dataset.appendRow({QStringLiteral("a"), cell, QStringLiteral("not selected")});
+    dataset.appendRow({QStringLiteral("below"), QStringLiteral("below"), QStringLiteral("below")});
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    DataTableView view;
+    view.setDatasetModel(&model);
+    view.selectionModel()->select(
+        QItemSelection(model.index(0, 0), model.index(0, 1)), QItemSelectionModel::Select);
+    view.copySelection(withHeaders);
+    const QMimeData *mime = QApplication::clipboard()->mimeData();
+    QVERIFY(mime);
+    QCOMPARE(mime->text(), expected);
+    QVERIFY(mime->html().contains(QStringLiteral("<td>a</td>")));
+}
+
+void TestDatasetModel::find_data()
+{
+    QTest::addColumn<QString>("needle");
+    QTest::addColumn<bool>("caseSensitive");
+    QTest::addColumn<bool>("wholeCell");
+    QTest::addColumn<bool>("regex");
+    QTest::addColumn<int>("column");
+    QTest::addColumn<bool>("forward");
+    QTest::addColumn<QPoint>("start"); // (column, row); (-1, -1) for no current cell
+    QTest::addColumn<QPoint>("expected"); // (-1, -1) not found
+    QTest::addColumn<QString>("status");
+    // Table:   row 0: apple  Pear   x
+    //          row 1: pear   plum   apple pie
+    //          row 2: fig    APPLE  y
+    QTest::newRow("next from nothing") << "apple" << false << false << false << -1 << true << QPoint(-1, -1)
+                                       << QPoint(0, 0) << "Row 1, column 'A'";
+    QTest::newRow("next moves on") << "apple" << false << false << false << -1 << true << QPoint(0, 0)
+                                   << QPoint(2, 1) << "Row 2, column 'C'";
+    QTest::newRow("case insensitive") << "apple" << false << false << false << -1 << true << QPoint(2, 1)
+                                      << QPoint(1, 2) << "Row 3, column 'B'";
+    QTest::newRow("wraps") << "apple" << false << false << false << -1 << true << QPoint(1, 2) << QPoint(0, 0)
+                           << "Search wrapped – Row 1, column 'A'";
+    QTest::newRow("case sensitive") << "APPLE" << true << false << false << -1 << true << QPoint(0, 0)
+                                    << QPoint(1, 2) << "Row 3, column 'B'";
+    QTest::newRow("whole cell") << "apple" << false << true << false << -1 << true << QPoint(0, 0)
+                                << QPoint(1, 2) << "Row 3, column 'B'";
+    QTest::newRow("previous") << "apple" << false << false << false << -1 << false << QPoint(1, 2)
+                              << QPoint(2, 1) << "Row 2, column 'C'";
+    QTest::newRow("previous wraps") << "pear" << false << false << false << -1 << false << QPoint(1, 0)
+                                    << QPoint(0, 1) << "Search wrapped – Row 2, column 'A'";
+    QTest::newRow("regex") << "^p(ea|lu)" << false << false << true << -1 << true << QPoint(0, 0)
+                           << QPoint(1, 0) << "Row 1, column 'B'";
+    QTest::newRow("one column") << "apple" << false << false << false << 1 << true << QPoint(0, 0)
+                                << QPoint(1, 2) << "Row 3, column 'B'";
+    QTest::newRow("only match is the current cell")
+        << "fig" << false << false << false << -1 << true << QPoint(0, 2) << QPoint(0, 2)
+        << "Search wrapped – Row 3, column 'A'";
+    QTest::newRow("not found") << "banana" << false << false << false << -1 << true << QPoint(0, 0)
+                               << QPoint(-1, -1) << "Not found";
+}
+
+void TestDatasetModel::find()
+{
+    QFETCH(QString, needle);
+    QFETCH(bool, caseSensitive);
+    QFETCH(bool, wholeCell);
+    QFETCH(bool, regex);
+    QFETCH(int, column);
+    QFETCH(bool, forward);
+    QFETCH(QPoint, start);
+    QFETCH(QPoint, expected);
+    QFETCH(QString, status);
+    Dataset dataset = testutil::toDataset("A,B,C\napple,Pear,x\npear,plum,apple pie\nfig,APPLE,y", true);
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    DataTableView view;
+    view.setDatasetModel(&model);
+    TableFindBar bar(&view);
+    if (start.x() >= 0)
+        view.setCurrentIndex(model.index(start.y(), start.x()));
+    bar.setText(needle);
+    bar.setCaseSensitive(caseSensitive);
+    bar.setWholeCell(wholeCell);
+    bar.setRegularExpression(regex);
+    bar.setColumn(column);
+    QSignalSpy finished(&bar, &TableFindBar::searchFinished);
+    if (forward)
+        bar.findNext();
+    else
+        bar.findPrevious();
+    QTRY_COMPARE(finished.count(), 1);
+    QCOMPARE(finished.at(0).at(0).toBool(), expected.x() >= 0);
+    if (expected.x() >= 0)
+        QCOMPARE(view.currentIndex(), model.index(expected.y(), expected.x()));
+    QCOMPARE(bar.statusText(), status);
+}
+
+void TestDatasetModel::findInvalidPattern()
+{
+    DatasetTableModel model;
+    model.setDataset(testutil::toDataset("a\nb"));
+    DataTableView view;
+    view.setDatasetModel(&model);
+    TableFindBar bar(&view);
+    bar.setRegularExpression(true);
+    bar.setText(QStringLiteral("(unclosed"));
+    bar.findNext();
+    QVERIFY(bar.statusText().startsWith(QStringLiteral("Invalid regular expression: ")));
+    QVERIFY(!bar.isSearching());
+}
+
+void TestDatasetModel::goToRow_data()
+{
+    QTest::addColumn<int>("row");
+    QTest::addColumn<bool>("ok");
+    QTest::newRow("first") << 1 << true;
+    QTest::newRow("last") << 500 << true;
+    QTest::newRow("zero") << 0 << false;
+    QTest::newRow("past the end") << 501 << false;
+}
+
+void TestDatasetModel::goToRow()
+{
+    QFETCH(int, row);
+    QFETCH(bool, ok);
+    Dataset dataset;
+    dataset.setColumnCount(2);
+    for (int i = 0; i < 500; ++i)
+        dataset.appendRow({QString::number(i), QStringLiteral("v")});
+    DataPanel panel;
+    panel.model()->setDataset(dataset);
+    QCOMPARE(panel.goToRow(row), ok);
+    if (ok)
+        QCOMPARE(panel.view()->currentIndex(), panel.model()->index(row - 1, 0));
+}
+
+QTEST_MAIN(TestDatasetModel)
+#include "tst_datasetmodel.moc"
