@@ -1,0 +1,323 @@
+#include "canvastestutil.h"
+
+#include "flow/connection.h"
+#include "outputs/outputnode.h"
+#include "transforms/transformnode.h"
+#include "workbench/graphview.h"
+#include "workbench/graphviewpainter.h"
+#include "workbench/prompts.h"
+
+#include <QMimeData>
+#include <QUndoStack>
+#include <QUrl>
+
+using namespace CanvasTest;
+
+class TestGraphView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void dragFromPort_data();
+    void dragFromPort();
+    void rubberBand();
+    void wheelZoomLimits_data();
+    void wheelZoomLimits();
+    void snapping_data();
+    void snapping();
+    void arrowKeysNavigate();
+    void ctrlArrowMovesMergeIntoOneStep();
+    void dropFilesMakesInputs();
+    void dropOntoInputReplacesItsFile();
+    void dropFolderSaysSo();
+    void deleteAsksWhenColumnOptionsDownstream();
+
+private:
+    // A drag entering at pos, then the drop, as the window system delivers them.
+    void drop(QMimeData &data, const QPoint &pos)
+    {
+        QDragEnterEvent enter(pos, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_view->viewport(), &enter);
+        QDragMoveEvent move(pos, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_view->viewport(), &move);
+        QDropEvent dropped(pos, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(m_view->viewport(), &dropped);
+    }
+
+    QPoint viewPos(const Node *node, const QPointF &offset = QPointF()) const
+    {
+        return m_view->mapFromScene(node->pos() + offset);
+    }
+
+    GraphScene *m_scene = nullptr;
+    QUndoStack *m_stack = nullptr;
+    GraphView *m_view = nullptr;
+    QTemporaryDir m_folder;
+};
+
+void TestGraphView::init()
+{
+    m_scene = new GraphScene;
+    m_stack = new QUndoStack;
+    m_view = new GraphView;
+    m_view->resize(900, 600);
+    m_view->setGraphScene(m_scene, m_stack);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view));
+    m_view->centerOn(300, 100);
+}
+
+void TestGraphView::cleanup()
+{
+    m_view->setGraphScene(nullptr, nullptr);
+    delete m_view;
+    delete m_stack;
+    delete m_scene;
+}
+
+void TestGraphView::dragFromPort_data()
+{
+    QTest::addColumn<QString>("target"); // "filter", "input" (upstream), "self", "fullOutput"
+    QTest::addColumn<bool>("connects");
+    QTest::addColumn<QString>("message");
+    QTest::newRow("to a candidate") << "filter" << true << "";
+    QTest::newRow("to an item upstream with room") << "join" << false
+                                                   << "Can't connect 'Sort' to 'Join': it would make a loop";
+    QTest::newRow("to an input") << "input" << false << "'%1' takes no more inputs";
+    QTest::newRow("to a full output") << "fullOutput" << false << "'%1' takes no more inputs";
+    QTest::newRow("to itself") << "self" << false << "";
+}
+
+void TestGraphView::dragFromPort()
+{
+    QFETCH(QString, target);
+    QFETCH(bool, connects);
+    QFETCH(QString, message);
+    Node *input = addInput(*m_scene, QPointF(0, 0));
+    auto *join = new TransformNode(prototype(QStringLiteral("Join"))->clone());
+    join->setPos(200, 0);
+    m_scene->addNode(join);
+    m_scene->connectNodes(input, join);
+    auto *sort = new TransformNode(prototype(QStringLiteral("Sort"))->clone());
+    sort->setPos(400, 0);
+    m_scene->addNode(sort);
+    m_scene->connectNodes(join, sort);
+    auto *filter = new TransformNode(prototype(QStringLiteral("Filter"))->clone());
+    filter->setPos(600, 150);
+    m_scene->addNode(filter);
+    auto *output = new OutputNode;
+    output->setPos(600, -150);
+    m_scene->addNode(output);
+    m_scene->connectNodes(input, output);
+    QSignalSpy messages(m_view, &GraphView::statusMessage);
+
+    Node *end = target == QLatin1String("filter") ? static_cast<Node *>(filter)
+        : target == QLatin1String("input")        ? input
+        : target == QLatin1String("join")         ? static_cast<Node *>(join)
+        : target == QLatin1String("self")         ? static_cast<Node *>(sort)
+                                                  : static_cast<Node *>(output);
+    const int connectionsBefore = m_scene->connections().size();
+    const QPoint port = viewPos(sort, GraphViewPainter::outPortPos());
+    QTest::mouseMove(m_view->viewport(), port);
+    QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, port);
+    QTest::mouseMove(m_view->viewport(), viewPos(end));
+    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, viewPos(end));
+
+    QCOMPARE(m_scene->connections().size(), connectionsBefore + (connects ? 1 : 0));
+    if (connects) {
+        QVERIFY(end->isConnectedFrom(sort));
+        QCOMPARE(m_stack->count(), 1);
+        QCOMPARE(m_stack->undoText(), QStringLiteral("connect"));
+    } else {
+        QCOMPARE(m_stack->count(), 0);
+        if (message.isEmpty()) {
+            QVERIFY(messages.isEmpty());
+        } else {
+            QVERIFY(!messages.isEmpty());
+            QCOMPARE(messages.last().first().toString(), message.contains(QLatin1String("%1")) ? message.arg(end->name()) : message);
+        }
+    }
+}
+
+void TestGraphView::rubberBand()
+{
+    Node *a = addInput(*m_scene, QPointF(0, 0));
+    Node *b = addInput(*m_scene, QPointF(200, 0));
+    Node *far = addInput(*m_scene, QPointF(600, 300));
+    const QPoint from = m_view->mapFromScene(QPointF(-120, -80));
+    const QPoint to = m_view->mapFromScene(QPointF(260, 60));
+    QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, from);
+    QMouseEvent move(QEvent::MouseMove, to, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(m_view->viewport(), &move);
+    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, to);
+    QVERIFY(a->isSelected());
+    QVERIFY(b->isSelected());
+    QVERIFY(!far->isSelected());
+    QCOMPARE(m_stack->count(), 0); // selecting is no edit
+}
+
+void TestGraphView::wheelZoomLimits_data()
+{
+    QTest::addColumn<int>("notches");
+    QTest::addColumn<double>("expected");
+    QTest::newRow("one notch in") << 1 << 1.15;
+    QTest::newRow("one notch out") << -1 << 1 / 1.15;
+    QTest::newRow("held at 400%") << 40 << 4.0;
+    QTest::newRow("held at 10%") << -40 << 0.1;
+}
+
+void TestGraphView::wheelZoomLimits()
+{
+    QFETCH(int, notches);
+    QFETCH(double, expected);
+    m_view->setZoom(1.0);
+    const int step = notches > 0 ? 1 : -1;
+    for (int i = 0; i != notches; i += step) {
+        QWheelEvent wheel(QPointF(100, 100), m_view->viewport()->mapToGlobal(QPoint(100, 100)), QPoint(),
+            QPoint(0, 120 * step), Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(m_view->viewport(), &wheel);
+    }
+    QVERIFY2(qAbs(m_view->zoom() - expected) < 1e-6, qPrintable(QString::number(m_view->zoom())));
+}
+
+void TestGraphView::snapping_data()
+{
+    QTest::addColumn<QPointF>("point");
+    QTest::addColumn<QPointF>("expected");
+    QTest::newRow("already on the grid") << QPointF(32, 48) << QPointF(32, 48);
+    QTest::newRow("rounds down below half a step") << QPointF(39.9, 55) << QPointF(32, 48);
+    QTest::newRow("rounds up from half a step") << QPointF(40, 56) << QPointF(48, 64);
+    QTest::newRow("negative") << QPointF(-7, -9) << QPointF(0, -16);
+}
+
+void TestGraphView::snapping()
+{
+    QFETCH(QPointF, point);
+    QFETCH(QPointF, expected);
+    QCOMPARE(GraphView::snapped(point), expected);
+}
+
+void TestGraphView::arrowKeysNavigate()
+{
+    Node *left = addInput(*m_scene, QPointF(0, 0));
+    Node *right = addInput(*m_scene, QPointF(200, 20));
+    Node *below = addInput(*m_scene, QPointF(10, 200));
+    m_view->setFocus();
+    m_view->setCurrentNode(left);
+    left->setSelected(true);
+    QTest::keyClick(m_view, Qt::Key_Right);
+    QCOMPARE(m_view->currentNode(), right);
+    QCOMPARE(m_scene->selectedNodes(), QList<Node *>({right}));
+    QTest::keyClick(m_view, Qt::Key_Left);
+    QCOMPARE(m_view->currentNode(), left);
+    QTest::keyClick(m_view, Qt::Key_Down, Qt::ShiftModifier);
+    QCOMPARE(m_view->currentNode(), below);
+    QCOMPARE(m_scene->selectedNodes().size(), 2);
+    QCOMPARE(m_stack->count(), 0);
+}
+
+void TestGraphView::ctrlArrowMovesMergeIntoOneStep()
+{
+    Node *node = addInput(*m_scene, QPointF(0, 0));
+    m_view->setFocus();
+    node->setSelected(true);
+    m_view->setCurrentNode(node);
+    QTest::keyClick(m_view, Qt::Key_Right, Qt::ControlModifier);
+    QTest::keyClick(m_view, Qt::Key_Right, Qt::ControlModifier);
+    QTest::keyClick(m_view, Qt::Key_Down, Qt::ControlModifier | Qt::ShiftModifier);
+    QCOMPARE(node->pos(), QPointF(32, 1));
+    QCOMPARE(m_stack->count(), 1);
+    QCOMPARE(m_stack->undoText(), QStringLiteral("move"));
+    m_stack->undo();
+    QCOMPARE(m_scene->nodes().first()->pos(), QPointF(0, 0));
+}
+
+void TestGraphView::dropFilesMakesInputs()
+{
+    const QStringList names = {QStringLiteral("a.csv"), QStringLiteral("b.json"), QStringLiteral("c.xlsx")};
+    QList<QUrl> urls;
+    for (const QString &name : names) {
+        QFile file(m_folder.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("x\n");
+        urls << QUrl::fromLocalFile(file.fileName());
+    }
+    QMimeData data;
+    data.setUrls(urls);
+    drop(data, QPoint(200, 200));
+    const QList<Node *> nodes = m_scene->nodes();
+    QCOMPARE(nodes.size(), 3);
+    QList<int> types;
+    for (Node *node : nodes)
+        types << static_cast<InputNode *>(node)->fileType();
+    QCOMPARE(types, QList<int>({IONode::DelimitedText, IONode::Json, IONode::ExcelXlsx}));
+    // At the drop point, the next ones 96 px lower.
+    QCOMPARE(nodes.at(1)->pos().y() - nodes.at(0)->pos().y(), 96.0);
+    QCOMPARE(m_stack->count(), 1);
+    QCOMPARE(m_stack->undoText(), QStringLiteral("add input"));
+}
+
+void TestGraphView::dropOntoInputReplacesItsFile()
+{
+    auto *input = new InputNode;
+    InputOptions options = input->options();
+    options.path = m_folder.filePath(QStringLiteral("old.csv"));
+    input->setOptions(options);
+    input->setPos(100, 100);
+    m_scene->addNode(input);
+    QFile file(m_folder.filePath(QStringLiteral("new.json")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("[]");
+    file.close();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(file.fileName())});
+    drop(data, viewPos(input));
+    QCOMPARE(m_scene->nodes().size(), 1);
+    auto *same = static_cast<InputNode *>(m_scene->nodes().first());
+    QCOMPARE(QFileInfo(same->path()).fileName(), QStringLiteral("new.json"));
+    QCOMPARE(same->fileType(), int(IONode::Json));
+    QCOMPARE(m_stack->undoText(), QStringLiteral("'File' change"));
+}
+
+void TestGraphView::dropFolderSaysSo()
+{
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(m_folder.path())});
+    QSignalSpy messages(m_view, &GraphView::statusMessage);
+    drop(data, QPoint(100, 100));
+    QCOMPARE(m_scene->nodes().size(), 0);
+    QCOMPARE(messages.size(), 1);
+    QVERIFY(messages.first().first().toString().startsWith(QStringLiteral("Not a file:")));
+}
+
+void TestGraphView::deleteAsksWhenColumnOptionsDownstream()
+{
+    ScriptedPrompts prompts;
+    Prompts::setInstance(&prompts);
+    Node *input = addInput(*m_scene, QPointF(0, 0));
+    auto *sort = new TransformNode(prototype(QStringLiteral("Sort"))->clone());
+    sort->setPos(200, 0);
+    m_scene->addNode(sort);
+    m_scene->connectNodes(input, sort);
+    input->setSelected(true);
+    prompts.answers << QStringLiteral("No");
+    m_view->deleteSelection();
+    const bool asked = !prompts.asked.isEmpty();
+    if (asked) {
+        QVERIFY(prompts.asked.first().startsWith(QStringLiteral("This deletion may reset")));
+        QCOMPARE(m_scene->nodes().size(), 2);
+        prompts.answers << QStringLiteral("Yes");
+        m_view->deleteSelection();
+    }
+    QCOMPARE(m_scene->nodes().size(), 1);
+    QCOMPARE(m_stack->undoText(), QStringLiteral("delete"));
+    m_stack->undo();
+    QCOMPARE(m_scene->nodes().size(), 2);
+    QCOMPARE(m_scene->connections().size(), 1);
+    Prompts::setInstance(nullptr);
+}
+
+CANVAS_TEST_MAIN(TestGraphView)
+#include "tst_graphview.moc"
