@@ -58,6 +58,7 @@ void ChartNode::setXColumn(ColumnId column)
     const Node *above = upstream(false).value(0);
     if (above && above->dataset().hasColumns())
         m_xPosition = above->dataset().columnIndex(column).toInt() + 1;
+    emit optionsChanged();
 }
 
 void ChartNode::setYColumns(const QList<ColumnId> &columns)
@@ -70,6 +71,7 @@ void ChartNode::setYColumns(const QList<ColumnId> &columns)
         for (const ColumnId id : columns)
             m_yPositions << above->dataset().columnIndex(id).toInt() + 1;
     }
+    emit optionsChanged();
 }
 
 void ChartNode::setPendingColumns(int xPosition, const QList<int> &yPositions)

@@ -11,6 +11,7 @@
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QTimer>
 #include <QtCharts/QChart>
 
 #include <cmath>
@@ -47,9 +48,29 @@ ChartWidget::ChartWidget(QWidget *parent)
     setViewCount(1);
 }
 
-void ChartWidget::setNode(ChartNode *node)
+void ChartWidget::setNode(ChartNode *node, bool follow)
 {
+    for (const QMetaObject::Connection &connection : qAsConst(m_nodeConnections))
+        disconnect(connection);
+    m_nodeConnections.clear();
     m_node = node;
+    if (!node || !follow)
+        return;
+    m_nodeConnections << connect(node, &Node::nodeStatusChanged, this, &ChartWidget::scheduleUpdate)
+                      << connect(node, &Node::nodeDataChanged, this, &ChartWidget::scheduleUpdate)
+                      << connect(node, &ChartNode::optionsChanged, this, &ChartWidget::scheduleUpdate);
+    scheduleUpdate();
+}
+
+void ChartWidget::scheduleUpdate()
+{
+    if (m_updateScheduled)
+        return;
+    m_updateScheduled = true;
+    QTimer::singleShot(0, this, [this] {
+        m_updateScheduled = false;
+        updateChart(false);
+    });
 }
 
 int ChartWidget::facetCount() const

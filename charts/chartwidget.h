@@ -15,9 +15,8 @@ class QPainter;
 // be drawn at all before drawing anything, and it renders what it drew into images and
 // PDF pages for the item's file.
 //
-// In a window: make one, setNode(), and call updateChart() whenever the item has run or
-// its options change. The item's own run reports the messages; a widget for display
-// draws without adding them again.
+// In a window: make one and call setNode(node, true); it then follows the item. The item's
+// own run reports the messages; a widget for display draws without adding them again.
 class ChartWidget : public QWidget
 {
     Q_OBJECT
@@ -25,7 +24,9 @@ public:
     explicit ChartWidget(QWidget *parent = nullptr);
 
     ChartNode *node() const { return m_node; }
-    void setNode(ChartNode *node);
+    // With follow, the widget draws again (once per turn of the event loop) whenever the
+    // node's status, data or options change, without reporting to the node.
+    void setNode(ChartNode *node, bool follow = false);
 
     // Draws the node's chart; true when it was drawn. With reportToNode the refusals and
     // what the drawing had to tell are added to the node's warnings and information.
@@ -51,8 +52,11 @@ private:
     void setOverlay(const QString &text);
     QString refusal(QStringList *warnings) const;
     void applyCommonYRange();
+    void scheduleUpdate();
 
     QPointer<ChartNode> m_node;
     QGridLayout *m_grid = nullptr;
     QList<ChartView *> m_views;
+    QList<QMetaObject::Connection> m_nodeConnections;
+    bool m_updateScheduled = false;
 };

@@ -98,6 +98,7 @@ private slots:
     void statusAndSize_data();
     void statusAndSize();
     void noInput();
+    void widgetFollowsTheNode();
 
     void images_data();
     void images();
@@ -666,6 +667,25 @@ void TestCharts::noInput()
     chart->setStatus(Node::Updating, false);
     QVERIFY(!widget.updateChart());
     QCOMPARE(widget.views().first()->overlayText(), QStringLiteral("Processing..."));
+}
+
+void TestCharts::widgetFollowsTheNode()
+{
+    ChartNode *chart = makeChart("X,Y,Z\n1,1,3\n2,2,4", 0, 1, {2});
+    ChartWidget widget;
+    widget.setNode(chart, true);
+    QTRY_COMPARE(widget.views().first()->overlayText(), QStringLiteral("Run to update"));
+    run(chart);
+    QTRY_COMPARE(widget.views().first()->overlayText(), QStringLiteral("Select a chart type"));
+    ChartOptions options = chart->options();
+    options.type = ChartOptions::Line;
+    options.layout = ChartOptions::Faceted;
+    chart->setOptions(options);
+    QTRY_VERIFY(widget.views().first()->hasSeries());
+    chart->setYColumns({chart->yColumns().first(), m_source->dataset().columnId(2)});
+    QTRY_COMPARE(widget.views().size(), 2);
+    // Only the run reported; the display draws added nothing.
+    QCOMPARE(chart->warnings(), QStringList {"Select a chart type"});
 }
 
 void TestCharts::images_data()
