@@ -227,6 +227,7 @@ constexpr int FailuresTold = 5;
 constexpr int DateDetectionCells = 50;
 constexpr int DateCacheLimit = 100000;
 constexpr int ResultPoolLimit = 50000;
+constexpr int ResultPoolTrial = 4096;
 constexpr qint64 FirstJulianDay = -784350574879LL;
 constexpr qint64 LastJulianDay = 784354017364LL;
 constexpr quint64 LastTimeMSecs = 1000000000000000ULL;
@@ -500,6 +501,17 @@ public:
             m_dates.insert(cell, date);
         return date;
     }
+    // A date in the detected format; the few distinct dates of a column are written once.
+    QString renderDate(const QDate &date) const
+    {
+        auto found = m_renderedDates.constFind(date.toJulianDay());
+        if (found != m_renderedDates.constEnd())
+            return *found;
+        const QString text = date.toString(m_dateFormat);
+        if (m_renderedDates.size() < DateCacheLimit)
+            m_renderedDates.insert(date.toJulianDay(), text);
+        return text;
+    }
     bool asciiDigits() const { return m_asciiDigits; }
     const QLocale &locale() const { return m_locale; }
 
@@ -524,26 +536,37 @@ private:
     bool m_constantBoolOk = false;
     QDate m_constantDate;
     mutable QHash<QString, QDate> m_dates;
+    mutable QHash<qint64, QString> m_renderedDates;
 };
 
-// Repeated results share one string, as repeated cells read from a file do; once the pool
-// is large, results that aren't in it are no longer added.
+// Repeated results share one string, as repeated cells read from a file do. Whether a
+// column's results repeat shows in its first rows; when most of those are new, pooling
+// would cost a lookup per row and save nothing, so it stops.
 class ResultPool
 {
 public:
     void share(QString &text)
     {
-        if (Dataset::memoryMode() == 1 || text.isEmpty())
+        if (!m_enabled || text.isEmpty())
             return;
         const auto found = m_pool.constFind(text);
-        if (found != m_pool.constEnd())
+        if (found != m_pool.constEnd()) {
             text = *found;
-        else if (m_pool.size() < ResultPoolLimit)
+            ++m_hits;
+        } else if (m_pool.size() < ResultPoolLimit) {
             m_pool.insert(text);
+        }
+        if (++m_lookups == ResultPoolTrial && m_hits < m_lookups / 2) {
+            m_enabled = false;
+            m_pool.clear();
+        }
     }
 
 private:
     QSet<QString> m_pool;
+    bool m_enabled = Dataset::memoryMode() != 1;
+    int m_lookups = 0;
+    int m_hits = 0;
 };
 
 // The row loop's work: one result text per row, with failures counted and the first
@@ -659,10 +682,10 @@ bool Calculation::twoDates(int row, QString &result)
         result = QString::number(second.daysTo(first));
         return true;
     case Op::Maximum:
-        result = (first < second ? second : first).toString(m_first.dateFormat());
+        result = m_first.renderDate(first < second ? second : first);
         return true;
     case Op::Minimum:
-        result = (first < second ? first : second).toString(m_first.dateFormat());
+        result = m_first.renderDate(first < second ? first : second);
         return true;
     default:
         fail([&]() {
@@ -694,7 +717,7 @@ bool Calculation::dateAndNumber(int row, QString &result)
         result = m_errors.integerExpected;
         return false;
     }
-    result = date.addDays(m_op == Op::Subtract ? -qint64(days) : qint64(days)).toString(m_first.dateFormat());
+    result = m_first.renderDate(date.addDays(m_op == Op::Subtract ? -qint64(days) : qint64(days)));
     return true;
 }
 
@@ -985,10 +1008,10 @@ bool Calculation::dateOneValue(int row, QString &result)
     }
     switch (m_op) {
     case Op::Increment:
-        result = date.addDays(1).toString(m_first.dateFormat());
+        result = m_first.renderDate(date.addDays(1));
         break;
     case Op::Decrement:
-        result = date.addDays(-1).toString(m_first.dateFormat());
+        result = m_first.renderDate(date.addDays(-1));
         break;
     case Op::DayOfWeek:
         result = QString::number(date.dayOfWeek());
@@ -1048,9 +1071,11 @@ bool Calculation::numberOneValue(int row, QString &result)
                                                 : std::log2(value));
         return true;
     }
-    // An integer keeps all its digits, beyond what a double holds, unless the step
-    // would run past the 64-bit range.
-    const qint64 integer = m_first.integer(row, &ok);
+    // An integer keeps all its digits, beyond what a double holds, unless the step would
+    // run past the 64-bit range. A number with a fraction can't be an integer text, so
+    // such cells aren't read a second time.
+    ok = value == std::trunc(value);
+    const qint64 integer = ok ? m_first.integer(row, &ok) : 0;
     if (ok) {
         constexpr qint64 lowest = std::numeric_limits<qint64>::min();
         constexpr qint64 highest = std::numeric_limits<qint64>::max();
