@@ -170,6 +170,11 @@ MainWindow::MainWindow(Settings *settings, const QList<Transform *> &prototypes,
 
 MainWindow::~MainWindow()
 {
+    disconnect(qApp, nullptr, this, nullptr);
+    disconnect(QApplication::clipboard(), nullptr, this, nullptr);
+    disconnect(m_undoStack, nullptr, this, nullptr);
+    if (m_scene)
+        disconnect(m_scene, nullptr, this, nullptr);
     // The scene's nodes go before the view and the painter's state that point at them.
     m_view->setGraphScene(nullptr, nullptr);
 #ifdef TABRELLE_HAS_ITEM_PANE
@@ -177,6 +182,7 @@ MainWindow::~MainWindow()
 #endif
     m_undoStack->clear();
     delete m_scene;
+    m_scene = nullptr;
     delete m_recoveryLock;
 }
 
@@ -244,7 +250,7 @@ void MainWindow::createActions()
     m_fullScreenAction->setCheckable(true);
     m_desktopThemeAction = make(tr("Follow &Desktop"), QStringLiteral("desktopThemeAction"));
     m_lightThemeAction = make(tr("&Light"), QStringLiteral("lightThemeAction"));
-    m_darkThemeAction = make(tr("&Dark"), QStringLiteral("darkThemeAction"));
+    m_darkThemeAction = make(tr("Dar&k"), QStringLiteral("darkThemeAction"));
 
     m_addInputAction = make(tr("Add &Input File..."), QStringLiteral("addInputAction"), QKeySequence(tr("Ctrl+I")));
     m_addOutputAction = make(tr("Add &Output File..."), QStringLiteral("addOutputAction"), QKeySequence(tr("Ctrl+E")));

@@ -1,0 +1,271 @@
+#include "canvastestutil.h"
+
+#include "workbench/graphview.h"
+#include "workbench/mainwindow.h"
+#include "workbench/prompts.h"
+#include "workbench/recentdocuments.h"
+
+#include "core/settings.h"
+
+#include <QAction>
+#include <QMenuBar>
+#include <QUndoStack>
+
+using namespace CanvasTest;
+
+class TestMainWindow : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void runActionsEnabled_data();
+    void runActionsEnabled();
+    void editingOffDuringRun();
+    void stopDuringAutoRunOffersBalloon();
+    void quitDuringRunWaitsForTheRun();
+    void titleFollowsModifiedState();
+    void unsavedChangesPrompt_data();
+    void unsavedChangesPrompt();
+    void saveAndReopen();
+    void openFailureSaysWhy();
+    void shortcutsAreUnique();
+    void mnemonicsAreUniqueInEachMenu();
+    void everyActionHasText();
+
+private:
+    MainWindow *m_window = nullptr;
+    ScriptedPrompts m_prompts;
+    ScriptedFileDialogs m_dialogs;
+    QTemporaryDir m_folder;
+};
+
+void TestMainWindow::init()
+{
+    m_prompts = ScriptedPrompts();
+    m_dialogs = ScriptedFileDialogs();
+    Prompts::setInstance(&m_prompts);
+    FileDialogs::setInstance(&m_dialogs);
+    m_window = new MainWindow(Application::instance()->settings(), Application::instance()->transforms());
+    m_window->show();
+}
+
+void TestMainWindow::cleanup()
+{
+    m_prompts.answers = QStringList({QStringLiteral("Don't Save")});
+    delete m_window;
+    Prompts::setInstance(nullptr);
+    FileDialogs::setInstance(nullptr);
+}
+
+void TestMainWindow::runActionsEnabled_data()
+{
+    QTest::addColumn<bool>("autoRun");
+    QTest::addColumn<bool>("withNode");
+    QTest::addColumn<bool>("selected");
+    QTest::addColumn<bool>("running");
+    QTest::addColumn<QString>("enabled"); // C changes, E everything, S selected, T stop, A auto run
+    QTest::newRow("empty flow, auto run on") << true << false << false << false << "A";
+    QTest::newRow("empty flow, auto run off") << false << false << false << false << "A";
+    QTest::newRow("item needing an update, auto run off") << false << true << false << false << "CEA";
+    QTest::newRow("selected item, auto run off") << false << true << true << false << "CESA";
+    QTest::newRow("selected item, auto run on") << true << true << true << false << "A";
+    QTest::newRow("during a run") << false << true << true << true << "T";
+}
+
+void TestMainWindow::runActionsEnabled()
+{
+    QFETCH(bool, autoRun);
+    QFETCH(bool, withNode);
+    QFETCH(bool, selected);
+    QFETCH(bool, running);
+    QFETCH(QString, enabled);
+    if (m_window->action(QStringLiteral("autoRunAction"))->isChecked() != autoRun)
+        m_window->action(QStringLiteral("autoRunAction"))->trigger();
+    GraphScene *scene = m_window->scene();
+    if (withNode) {
+        Node *input = addInput(*scene, QPointF(0, 0));
+        input->setStatus(Node::NeedsUpdating, false);
+        input->setSelected(selected);
+    }
+    if (running)
+        emit scene->runningChanged(true);
+    else
+        QCoreApplication::processEvents();
+    QString actual;
+    const QList<QPair<QChar, QString>> names = {{QLatin1Char('C'), QStringLiteral("runChangesAction")},
+        {QLatin1Char('E'), QStringLiteral("runEverythingAction")}, {QLatin1Char('S'), QStringLiteral("runSelectedAction")},
+        {QLatin1Char('T'), QStringLiteral("runStopAction")}, {QLatin1Char('A'), QStringLiteral("autoRunAction")}};
+    for (const auto &name : names) {
+        if (m_window->action(name.second)->isEnabled())
+            actual += name.first;
+    }
+    if (running)
+        emit scene->runningChanged(false);
+    QCOMPARE(actual, enabled);
+}
+
+void TestMainWindow::editingOffDuringRun()
+{
+    GraphScene *scene = m_window->scene();
+    Node *input = addInput(*scene, QPointF(0, 0));
+    input->setSelected(true);
+    emit scene->runningChanged(true);
+    QVERIFY(!m_window->view()->isEditingEnabled());
+    QVERIFY(!m_window->action(QStringLiteral("deleteAction"))->isEnabled());
+    QVERIFY(!m_window->action(QStringLiteral("newAction"))->isEnabled());
+    // A delete during a run is refused.
+    m_window->view()->deleteSelection();
+    QCOMPARE(scene->nodes().size(), 1);
+    emit scene->runningChanged(false);
+    QVERIFY(m_window->view()->isEditingEnabled());
+}
+
+void TestMainWindow::stopDuringAutoRunOffersBalloon()
+{
+    GraphScene *scene = m_window->scene();
+    QVERIFY(scene->isAutoRun());
+    scene->setRunning(true);
+    emit scene->runningChanged(true);
+    m_window->action(QStringLiteral("runStopAction"))->trigger();
+    QVERIFY(GraphScene::isStopRequested());
+    QVERIFY(!scene->isAutoRun());
+    QCOMPARE(m_window->balloonText(), QStringLiteral("Click here to go back to auto running changes."));
+    scene->setRunning(false);
+    emit scene->runningChanged(false);
+    GraphScene::setStopRequested(false);
+}
+
+void TestMainWindow::quitDuringRunWaitsForTheRun()
+{
+    GraphScene *scene = m_window->scene();
+    emit scene->runningChanged(true);
+    m_prompts.answers << QStringLiteral("Stop and Quit");
+    QVERIFY(!m_window->close());
+    QCOMPARE(m_prompts.asked.last(), QStringLiteral("A run is in progress. Stop it and quit?"));
+    QVERIFY(GraphScene::isStopRequested());
+    QVERIFY(m_window->isVisible());
+    emit scene->runningChanged(false);
+    QTRY_VERIFY(!m_window->isVisible());
+    GraphScene::setStopRequested(false);
+}
+
+void TestMainWindow::titleFollowsModifiedState()
+{
+    QCOMPARE(m_window->windowTitle(), QStringLiteral("Untitled[*] - Tabrelle"));
+    QVERIFY(!m_window->isWindowModified());
+    m_window->view()->addNote();
+    QVERIFY(m_window->isWindowModified());
+    m_window->undoStack()->undo();
+    QVERIFY(!m_window->isWindowModified());
+    // Switching Auto Run is saved but is no undo step.
+    m_window->action(QStringLiteral("autoRunAction"))->trigger();
+    QVERIFY(m_window->isWindowModified());
+    QCOMPARE(m_window->undoStack()->count(), 1);
+}
+
+void TestMainWindow::unsavedChangesPrompt_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("cleared");
+    QTest::newRow("don't save") << "Don't Save" << true;
+    QTest::newRow("cancel") << "Cancel" << false;
+}
+
+void TestMainWindow::unsavedChangesPrompt()
+{
+    QFETCH(QString, answer);
+    QFETCH(bool, cleared);
+    m_window->view()->addNote();
+    m_prompts.answers << answer;
+    m_window->action(QStringLiteral("newAction"))->trigger();
+    QCOMPARE(m_prompts.asked.value(0), QStringLiteral("Do you want to save the changes you made to 'Untitled'?"));
+    QCOMPARE(m_window->scene()->nodes().isEmpty(), cleared);
+    QCOMPARE(m_window->isWindowModified(), !cleared);
+}
+
+void TestMainWindow::saveAndReopen()
+{
+    addInput(*m_window->scene(), QPointF(0, 0));
+    m_window->view()->addNote();
+    const QString path = m_folder.filePath(QStringLiteral("flow"));
+    m_dialogs.answers << QStringList({path});
+    m_window->action(QStringLiteral("saveAction"))->trigger();
+    // The suffix is added, the title names the file, the document is clean.
+    QCOMPARE(m_window->documentPath(), path + QStringLiteral(".tflow"));
+    QVERIFY(QFileInfo::exists(path + QStringLiteral(".tflow")));
+    QCOMPARE(m_window->windowTitle(), QStringLiteral("flow.tflow[*] - Tabrelle"));
+    QVERIFY(!m_window->isWindowModified());
+    QCOMPARE(RecentDocuments::entries(Application::instance()->settings()).value(0).path,
+        QDir::cleanPath(path + QStringLiteral(".tflow")));
+
+    m_window->action(QStringLiteral("closeAction"))->trigger();
+    QCOMPARE(m_window->scene()->nodes().size(), 0);
+    m_dialogs.answers << QStringList({path + QStringLiteral(".tflow")});
+    m_window->action(QStringLiteral("openAction"))->trigger();
+    QCOMPARE(m_window->scene()->nodes().size(), 2);
+    QCOMPARE(m_window->undoStack()->count(), 0);
+    QVERIFY(!m_window->isWindowModified());
+}
+
+void TestMainWindow::openFailureSaysWhy()
+{
+    const QString path = m_folder.filePath(QStringLiteral("broken.tflow"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("not a flow");
+    file.close();
+    QVERIFY(!m_window->openDocument(path, false));
+    QCOMPARE(m_prompts.warnings.size(), 1);
+    QVERIFY(m_prompts.warnings.first().startsWith(QStringLiteral("Unable to open '%1': ").arg(QDir::toNativeSeparators(path))));
+    QCOMPARE(m_window->documentPath(), QString());
+}
+
+void TestMainWindow::shortcutsAreUnique()
+{
+    QHash<QString, QString> seen;
+    for (QAction *action : m_window->allActions()) {
+        if (action->parent() != m_window)
+            continue;
+        for (const QKeySequence &sequence : action->shortcuts()) {
+            const QString key = sequence.toString();
+            QVERIFY2(!seen.contains(key),
+                qPrintable(QStringLiteral("%1 on '%2' and '%3'").arg(key, seen.value(key), action->text())));
+            seen.insert(key, action->text());
+        }
+    }
+    QVERIFY(seen.size() > 20);
+}
+
+void TestMainWindow::mnemonicsAreUniqueInEachMenu()
+{
+    const QList<QMenu *> menus = m_window->menuBar()->findChildren<QMenu *>();
+    QVERIFY(!menus.isEmpty());
+    for (QMenu *menu : menus) {
+        emit menu->aboutToShow();
+        QHash<QChar, QString> letters;
+        for (QAction *action : menu->actions()) {
+            const QString text = action->text();
+            const int amp = text.indexOf(QLatin1Char('&'));
+            if (amp < 0 || amp + 1 >= text.size())
+                continue;
+            const QChar letter = text.at(amp + 1).toLower();
+            QVERIFY2(!letters.contains(letter),
+                qPrintable(QStringLiteral("'%1' and '%2' in %3").arg(letters.value(letter), text, menu->title())));
+            letters.insert(letter, text);
+        }
+    }
+}
+
+void TestMainWindow::everyActionHasText()
+{
+    for (QAction *action : m_window->allActions()) {
+        if (action->isSeparator() || action->parent() != m_window)
+            continue;
+        QVERIFY2(!action->text().isEmpty(), qPrintable(action->objectName()));
+    }
+}
+
+CANVAS_TEST_MAIN(TestMainWindow)
+#include "tst_mainwindow.moc"
