@@ -538,9 +538,9 @@ void TestCalculate::conversions_data()
                                         << "2021-01-01|Error: Date out of range|Error: integer "
                                            "expected|Error: Julian days expected|Error: Date out of range";
     QTest::newRow("msecs to date-time") << "MSecsToDateTime"
-                                        << "0|1609459200123|-86400000|x"
+                                        << "0|1609459200123|-86400000|x|253402300800000"
                                         << "1970-01-01T00:00:00.000|2021-01-01T00:00:00.123|1969-12-31T00:00:"
-                                           "00.000|Error: integer expected";
+                                           "00.000|Error: integer expected|Error: msecs since epoch expected";
     QTest::newRow("date-time to msecs")
         << "DateTimeToMSecs"
         << "1970-01-02T00:00:00.000| 2021-01-01T00:00:00.123 |2021-01-01|1/1/2021"
