@@ -378,11 +378,22 @@ void GraphViewPainter::paintNode(const Node &node, QPainter *p, const QStyleOpti
         opacity *= 0.4;
     p->setOpacity(opacity);
 
+    // Far out the captions can't be read: the tiles alone keep the frame quick.
+    const qreal detail = QStyleOptionGraphicsItem::levelOfDetailFromTransform(p->worldTransform());
+    const bool captions = detail >= 0.4;
+
     // Current item: a light accent fill behind the caption.
     const QFontMetricsF metrics(p->font());
-    const QStringList nameLines = twoLines(node.name(), metrics, CaptionWidth);
-    const QString commentLine = node.comment().section(QLatin1Char('\n'), 0, 0).trimmed();
-    const QString size = sizeTextOf(node);
+    const QString name = node.name();
+    CaptionCache &cached = m_captions[&node];
+    if (cached.name != name || cached.font != p->font()) {
+        cached.name = name;
+        cached.font = p->font();
+        cached.lines = twoLines(name, metrics, CaptionWidth);
+    }
+    const QStringList nameLines = captions ? cached.lines : QStringList();
+    const QString commentLine = captions ? node.comment().section(QLatin1Char('\n'), 0, 0).trimmed() : QString();
+    const QString size = captions ? sizeTextOf(node) : QString();
     const QFont small = smallFont(p->font());
     const QFontMetricsF smallMetrics(small);
     qreal captionHeight = nameLines.size() * metrics.height();
@@ -424,7 +435,8 @@ void GraphViewPainter::paintNode(const Node &node, QPainter *p, const QStyleOpti
         p->drawRoundedRect(tile.adjusted(-5, -5, 5, 5), 12, 12);
     }
 
-    drawIcon(node, p, QRectF(-16, -16, 32, 32), theme.text);
+    if (detail >= 0.2)
+        drawIcon(node, p, QRectF(-16, -16, 32, 32), theme.text);
 
     // Ports.
     if (node.maxUpstream() > 0) {

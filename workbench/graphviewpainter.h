@@ -3,6 +3,9 @@
 #include "flow/node.h"
 
 #include <QColor>
+#include <QFont>
+#include <QHash>
+#include <QStringList>
 #include <QPointer>
 #include <QSet>
 
@@ -56,6 +59,8 @@ public:
     // and the candidate under the pointer (ringed).
     void setDrag(const Node *start, const QSet<const Node *> &candidates, const Node *target);
     void clearDrag();
+    // Forgets what it keeps about node, which is going away.
+    void forget(const Node *node) { m_captions.remove(node); }
     void setShowSizeChanges(bool on) { m_showSizeChanges = on; }
     bool showSizeChanges() const { return m_showSizeChanges; }
 
@@ -75,6 +80,14 @@ private:
     void drawIcon(const Node &node, QPainter *painter, const QRectF &box, const QColor &color) const;
     void drawStatusGlyph(const Node &node, QPainter *painter, const QPointF &centre) const;
 
+    struct CaptionCache
+    {
+        QString name;
+        QFont font;
+        QStringList lines;
+    };
+    // Broken caption lines by node, remade when the name or font changes.
+    QHash<const Node *, CaptionCache> m_captions;
     const Node *m_hovered = nullptr;
     const Node *m_current = nullptr;
     const Node *m_dragStart = nullptr;
