@@ -53,7 +53,6 @@ void DatasetItemDelegate::paint(
         painter->setFont(opt.font);
         painter->setClipRect(textRect);
         const QFontMetrics metrics(opt.font);
-        const int y = textRect.top() + (textRect.height() + metrics.ascent() - metrics.descent()) / 2;
         int x = textRect.left();
         int start = 0;
         while (start < text.size() && x < textRect.right()) {
@@ -63,8 +62,10 @@ void DatasetItemDelegate::paint(
                 ++end;
             const QString run = text.mid(start, end - start);
             painter->setPen(mark ? secondary : normal);
-            painter->drawText(x, y, run);
-            x += metrics.horizontalAdvance(run);
+            const int width = metrics.horizontalAdvance(run);
+            painter->drawText(QRect(x, textRect.top(), width + 1, textRect.height()),
+                Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, run);
+            x += width;
             start = end;
         }
         painter->restore();

@@ -10,12 +10,13 @@
 #include <QLineEdit>
 #include <QTimer>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 TableFindBar::TableFindBar(DataTableView *view, QWidget *parent)
     : QWidget(parent)
     , m_view(view)
 {
-    auto *layout = new QHBoxLayout(this);
+    auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(4, 2, 4, 2);
     layout->setSpacing(4);
     m_edit = new QLineEdit(this);
@@ -56,16 +57,21 @@ TableFindBar::TableFindBar(DataTableView *view, QWidget *parent)
     closeButton->setAccessibleName(tr("Close"));
     closeButton->setAutoRaise(true);
 
-    layout->addWidget(m_edit, 1);
-    layout->addWidget(m_caseButton);
-    layout->addWidget(m_wholeButton);
-    layout->addWidget(m_regexButton);
-    layout->addWidget(m_columnCombo);
-    layout->addWidget(m_previousButton);
-    layout->addWidget(m_nextButton);
-    layout->addWidget(m_cancelButton);
-    layout->addWidget(m_statusLabel);
-    layout->addWidget(closeButton);
+    // Two lines, so that the field keeps its room in a narrow pane.
+    auto *top = new QHBoxLayout;
+    top->addWidget(m_edit, 1);
+    top->addWidget(m_previousButton);
+    top->addWidget(m_nextButton);
+    top->addWidget(m_cancelButton);
+    top->addWidget(closeButton);
+    auto *bottom = new QHBoxLayout;
+    bottom->addWidget(m_caseButton);
+    bottom->addWidget(m_wholeButton);
+    bottom->addWidget(m_regexButton);
+    bottom->addWidget(m_columnCombo);
+    bottom->addWidget(m_statusLabel, 1);
+    layout->addLayout(top);
+    layout->addLayout(bottom);
 
     m_timer = new QTimer(this);
     m_timer->setInterval(0);

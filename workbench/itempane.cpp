@@ -119,7 +119,7 @@ void ItemPane::fitSplitter()
     const int total = m_splitter->height();
     if (total <= 0)
         return;
-    const int options = qMin(m_itemWidget->sizeHint().height(), total * 60 / 100);
+    const int options = qMin(m_itemWidget->fullHeightHint(), total * 60 / 100);
     m_splitter->setSizes({options, total - options});
 }
 

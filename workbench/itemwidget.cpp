@@ -138,6 +138,7 @@ ItemWidget::ItemWidget(Node *node, GraphScene *scene, QUndoStack *undoStack, QWi
     m_scrollArea = new QScrollArea(m_tabs);
     m_scrollArea->setWidgetResizable(true);
     m_scrollArea->setFrameShape(QFrame::NoFrame);
+    m_scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scrollArea->setAccessibleName(tr("Item options"));
     auto *content = new QWidget(m_scrollArea);
     auto *contentLayout = new QVBoxLayout(content);
@@ -313,6 +314,12 @@ QColor ItemWidget::statusColour(int status, bool dark)
     return dark ? QColor(0xA8, 0xA8, 0xA8) : QColor(0x66, 0x66, 0x66);
 }
 
+int ItemWidget::fullHeightHint() const
+{
+    const int content = m_scrollArea->widget() ? m_scrollArea->widget()->sizeHint().height() : 0;
+    return sizeHint().height() - m_scrollArea->sizeHint().height() + content + 8;
+}
+
 void ItemWidget::refresh()
 {
     refreshHeader();
@@ -441,7 +448,7 @@ int ItemWidget::addFormRow(const QString &label, QWidget *widget)
     } else {
         auto *labelWidget = new QLabel(tr("%1:").arg(label), m_form);
         labelWidget->setBuddy(widget);
-        labelWidget->setAlignment(Qt::Alignment(style()->styleHint(QStyle::SH_FormLayoutLabelAlignment)));
+        labelWidget->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
         m_formLayout->addWidget(labelWidget, row, 0);
         m_formLayout->addWidget(widget, row, 1);
         widgets << labelWidget;

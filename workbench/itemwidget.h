@@ -97,6 +97,9 @@ public:
     void invalidateNow();
     bool isInvalidatePending() const;
 
+    // The height that shows every option without scrolling.
+    int fullHeightHint() const;
+
     QWidget *formWidget() const { return m_form; }
     QLabel *statusLabel() const { return m_statusLabel; }
     QLineEdit *nameEdit() const { return m_nameEdit; }

@@ -113,31 +113,33 @@ QToolButton *variablesButton(QWidget *parent, QLineEdit *target)
 
 QStringList encodingNames(bool withAutomatic)
 {
-    QStringList names;
-    if (withAutomatic)
-        names << QStringLiteral("Automatic");
-    const QStringList common = {QStringLiteral("UTF-8"), QStringLiteral("UTF-16LE"),
-        QStringLiteral("UTF-16BE"), QStringLiteral("UTF-32LE"), QStringLiteral("UTF-32BE"),
-        QStringLiteral("ISO-8859-1"), QStringLiteral("ISO-8859-15"), QStringLiteral("Windows-1252"),
-        QStringLiteral("Windows-1250"), QStringLiteral("Windows-1251"), QStringLiteral("Shift_JIS"),
-        QStringLiteral("EUC-JP"), QStringLiteral("GB18030"), QStringLiteral("Big5"), QStringLiteral("EUC-KR"),
-        QStringLiteral("KOI8-R")};
-    names << common << QString();
-    QSet<QString> seen;
-    for (const QString &name : common)
-        seen.insert(name.toLower());
-    QStringList others;
-    const QList<QByteArray> codecs = QTextCodec::availableCodecs();
-    for (const QByteArray &codec : codecs) {
-        const QString name = QString::fromLatin1(codec);
-        if (!seen.contains(name.toLower())) {
+    // The toolkit's codec list is long and doesn't change while the program runs.
+    static const QStringList all = [] {
+        QStringList names;
+        const QStringList common = {QStringLiteral("UTF-8"), QStringLiteral("UTF-16LE"),
+            QStringLiteral("UTF-16BE"), QStringLiteral("UTF-32LE"), QStringLiteral("UTF-32BE"),
+            QStringLiteral("ISO-8859-1"), QStringLiteral("ISO-8859-15"), QStringLiteral("Windows-1252"),
+            QStringLiteral("Windows-1250"), QStringLiteral("Windows-1251"), QStringLiteral("Shift_JIS"),
+            QStringLiteral("EUC-JP"), QStringLiteral("GB18030"), QStringLiteral("Big5"),
+            QStringLiteral("EUC-KR"), QStringLiteral("KOI8-R")};
+        names << common << QString();
+        QSet<QString> seen;
+        for (const QString &name : common)
             seen.insert(name.toLower());
-            others << name;
+        QStringList others;
+        const QList<QByteArray> codecs = QTextCodec::availableCodecs();
+        for (const QByteArray &codec : codecs) {
+            const QString name = QString::fromLatin1(codec);
+            if (!seen.contains(name.toLower())) {
+                seen.insert(name.toLower());
+                others << name;
+            }
         }
-    }
-    std::sort(others.begin(), others.end(),
-        [](const QString &a, const QString &b) { return a.compare(b, Qt::CaseInsensitive) < 0; });
-    return names + others;
+        std::sort(others.begin(), others.end(),
+            [](const QString &a, const QString &b) { return a.compare(b, Qt::CaseInsensitive) < 0; });
+        return names + others;
+    }();
+    return withAutomatic ? QStringList(QStringLiteral("Automatic")) + all : all;
 }
 
 QStringList fileNameVariables()
@@ -919,7 +921,7 @@ OutputItemWidget::OutputItemWidget(
     });
     connect(m_openFolderButton, &QPushButton::clicked, this, [this] {
         if (outputNode())
-            QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(outputNode()->path()).absolutePath()));
+            QDesktopServices::openUrl(QUrl::fromLocalFile(QFileInfo(writtenPath()).absolutePath()));
     });
 }
 
@@ -935,6 +937,14 @@ int OutputItemWidget::row(const QString &label, QWidget *widget)
 bool OutputItemWidget::isRowShown(const QString &label) const
 {
     return m_rowByLabel.contains(label) && isRowVisible(m_rowByLabel.value(label));
+}
+
+QString OutputItemWidget::writtenPath() const
+{
+    const OutputNode *output = outputNode();
+    if (!output)
+        return QString();
+    return output->targetPath().isEmpty() ? output->path() : output->targetPath();
 }
 
 OutputNode *OutputItemWidget::outputNode() const
@@ -1014,9 +1024,12 @@ void OutputItemWidget::updateRows(const OutputOptions &options)
     m_customDelimiterEdit->setEnabled(options.delimiter == 8);
     m_bomCheck->setEnabled(options.encoding.contains(QLatin1String("utf"), Qt::CaseInsensitive));
     m_templateEdit->setEnabled(options.useStyleTemplate);
-    const bool exists = single && QFileInfo(options.path).isFile();
+    // The file last written, with its variables expanded, else the path as typed.
+    const QString written =
+        outputNode() && !outputNode()->targetPath().isEmpty() ? outputNode()->targetPath() : options.path;
+    const bool exists = single && QFileInfo(written).isFile();
     m_openFileButton->setEnabled(exists);
-    m_openFolderButton->setEnabled(exists || QFileInfo(QFileInfo(options.path).absolutePath()).isDir());
+    m_openFolderButton->setEnabled(exists || QFileInfo(QFileInfo(written).absolutePath()).isDir());
 }
 
 void OutputItemWidget::updateFromNode()

@@ -118,6 +118,7 @@ protected:
 
 private:
     OutputNode *outputNode() const;
+    QString writtenPath() const;
     void applyOptions(const QString &label, const OutputOptions &options, bool burst = false);
     void updateRows(const OutputOptions &options);
     int row(const QString &label, QWidget *widget);

@@ -100,7 +100,7 @@ void TransformItemWidget::buildRows()
             row.label = new QLabel(tr("%1:").arg(parameter->label()), formWidget());
             row.label->setBuddy(row.editor->focusWidget());
             row.label->setToolTip(parameter->tooltip());
-            row.label->setAlignment(Qt::Alignment(style()->styleHint(QStyle::SH_FormLayoutLabelAlignment)));
+            row.label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
             grid->addWidget(row.label, row.row, 0);
             grid->addWidget(row.editor, row.row, 1);
         } else {
