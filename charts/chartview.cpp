@@ -115,6 +115,7 @@ public:
         , m_messages(messages)
     {
         m_x = node.xColumnIndex();
+        m_facet = facet;
         const QList<DataColumnIndex> all = node.yColumnIndexes();
         if (facet < 0)
             m_y = all;
@@ -422,7 +423,8 @@ private:
         } else if (kind == ChartOptions::XNumeric) {
             setAutomaticRange(m_xAxis, xMin, xMax, false);
         }
-        setAutomaticRange(m_yAxis, yMin, yMax, false);
+        // An area is filled down to 0, so its axis shows 0.
+        setAutomaticRange(m_yAxis, yMin, yMax, type == ChartOptions::Area);
         applyAxisOptions(m_xAxis, m_options.xAxis, true, substituteAxisTitle(m_options.xAxis, true));
         applyAxisOptions(m_yAxis, m_options.yAxis, false, substituteAxisTitle(m_options.yAxis, false));
         validateAxis(m_xAxis, m_options.xAxis, true);
@@ -430,9 +432,32 @@ private:
         return true;
     }
 
+    // A facet's one series takes the theme's colour for its column, as it has when grouped,
+    // so that the facets tell their columns apart.
+    QColor facetColour() const
+    {
+        if (m_facet < 1)
+            return QColor();
+        QChart sample;
+        sample.setTheme(themeFor(m_options.theme));
+        QLineSeries *last = nullptr;
+        for (int i = 0; i <= m_facet; ++i) {
+            last = new QLineSeries;
+            sample.addSeries(last);
+        }
+        return last->color();
+    }
+
     void styleXY(QAbstractSeries *series)
     {
         series->setOpacity(qBound(0, m_options.opacity, 100) / 100.0);
+        const QColor colour = facetColour();
+        if (colour.isValid()) {
+            if (auto *xy = qobject_cast<QXYSeries *>(series))
+                xy->setColor(colour);
+            else if (auto *area = qobject_cast<QAreaSeries *>(series))
+                area->setColor(colour);
+        }
         if (auto *scatter = qobject_cast<QScatterSeries *>(series)) {
             scatter->setMarkerShape(QScatterSeries::MarkerShapeCircle);
             scatter->setMarkerSize(pointSize());
@@ -697,6 +722,9 @@ private:
         }
         series->setOpacity(qBound(0, m_options.opacity, 100) / 100.0);
         m_chart->addSeries(series);
+        const QColor colour = facetColour();
+        if (colour.isValid() && series->count() == 1)
+            series->barSets().first()->setColor(colour);
         auto *categoryAxis = new QBarCategoryAxis;
         categoryAxis->append(names);
         m_xAxis = categoryAxis;
@@ -823,6 +851,7 @@ private:
     ChartMessages &m_messages;
     DataColumnIndex m_x = DataColumnIndex(-1);
     QList<DataColumnIndex> m_y;
+    int m_facet = -1;
     QChart *m_chart = nullptr;
     QAbstractAxis *m_xAxis = nullptr;
     QAbstractAxis *m_yAxis = nullptr;
@@ -911,6 +940,21 @@ void ChartView::setYTickCount(int count)
 {
     if (auto *value = qobject_cast<QValueAxis *>(m_yAxis))
         value->setTickCount(count);
+}
+
+void ChartView::applyNiceYRange(bool freeMinimum, bool freeMaximum)
+{
+    auto *value = qobject_cast<QValueAxis *>(m_yAxis);
+    if (!value)
+        return;
+    const double low = value->min();
+    const double high = value->max();
+    value->setTickCount(5);
+    value->applyNiceNumbers();
+    if (!freeMinimum)
+        value->setMin(low);
+    if (!freeMaximum)
+        value->setMax(high);
 }
 
 void ChartView::paintEvent(QPaintEvent *event)

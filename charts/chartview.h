@@ -41,6 +41,8 @@ public:
     bool yAxisIsLinear() const;
     int yTickCount() const;
     void setYTickCount(int count);
+    // Nice numbers on a linear Y axis; a bound that isn't free stays as it is.
+    void applyNiceYRange(bool freeMinimum, bool freeMaximum);
 
     QtCharts::QAbstractAxis *xAxis() const { return m_xAxis; }
     QtCharts::QAbstractAxis *yAxis() const { return m_yAxis; }

@@ -202,6 +202,9 @@ bool ChartWidget::updateChart(bool reportToNode)
     if (drawn)
         applyCommonYRange();
     if (reportToNode) {
+        // Facets guess and refuse alike: a message they share is told once.
+        messages.information.removeDuplicates();
+        messages.warnings.removeDuplicates();
         for (const QString &text : qAsConst(messages.information))
             m_node->addInformation(text);
         for (const QString &text : qAsConst(messages.warnings))
@@ -241,7 +244,16 @@ void ChartWidget::applyCommonYRange()
     }
     if (!any)
         return;
-    const int ticks = widestView ? widestView->yTickCount() : 0;
+    // The widest view takes the common range first, with nice values when they are on, and
+    // the others follow its bounds and ticks.
+    if (!customMin)
+        widestView->setYMinimum(lowest);
+    if (!customMax)
+        widestView->setYMaximum(highest);
+    if (y.niceValues && widestView->yAxisIsLinear())
+        widestView->applyNiceYRange(!customMin, !customMax);
+    widestView->yRange(&lowest, &highest);
+    const int ticks = widestView->yTickCount();
     for (ChartView *view : qAsConst(m_views)) {
         if (!customMin)
             view->setYMinimum(lowest);
@@ -294,6 +306,7 @@ bool ChartWidget::writePdf(const QString &path, const QString &pageSize, int ori
         return false;
     QPdfWriter writer(path);
     writer.setCreator(QStringLiteral("Tabrelle"));
+    writer.setTitle(m_node ? m_node->name() : QString());
     writer.setResolution(qBound(72, resolution, 1200));
     const QPageLayout layout(QPageSize(pageSizeId(pageSize)),
         orientation == ChartOptions::Landscape ? QPageLayout::Landscape : QPageLayout::Portrait,

@@ -77,6 +77,25 @@ QSet<QRgb> saturatedColours(const QImage &image)
     return colours;
 }
 
+// The commonest of colours in image, compared as saturatedColours does.
+QRgb mostCommon(const QImage &image, const QSet<QRgb> &colours)
+{
+    QHash<QRgb, int> counts;
+    for (int y = 0; y < image.height(); y += 2) {
+        for (int x = 0; x < image.width(); x += 2) {
+            const QRgb shade = QColor(image.pixel(x, y)).rgb() & 0xF0F0F0;
+            if (colours.contains(shade))
+                ++counts[shade];
+        }
+    }
+    QRgb best = 0;
+    for (auto it = counts.constBegin(); it != counts.constEnd(); ++it) {
+        if (it.value() > counts.value(best, 0))
+            best = it.key();
+    }
+    return best;
+}
+
 } // namespace
 
 class TestCharts : public QObject
@@ -528,6 +547,16 @@ void TestCharts::facetGridAndCommonRange()
         QCOMPARE(low, 0.0);
         QCOMPARE(high, 50.0);
     }
+    // An area is filled down to 0, and its axis shows 0.
+    ChartNode *area = makeChart("X,Y\n1,10\n2,20", 4, 1, {2}, [](ChartOptions &o) { o.xAs = ChartOptions::XNumeric; });
+    QVERIFY(run(area));
+    ChartWidget areaWidget;
+    areaWidget.setNode(area);
+    QVERIFY(areaWidget.updateChart());
+    double areaLow = 1, areaHigh = 0;
+    QVERIFY(areaWidget.views().first()->yRange(&areaLow, &areaHigh));
+    QCOMPARE(areaLow, 0.0);
+
     // Without the option each facet keeps its own range.
     options.yAxis.sameRangeAllFacets = false;
     options.yAxis.maxRangeOption = ChartAxisOptions::RangeAutomatic;
@@ -736,6 +765,14 @@ void TestCharts::images()
     QVERIFY2(saturatedColours(image).size() >= 2, qPrintable(QString::number(saturatedColours(image).size())));
     QCOMPARE(chart->writtenFiles(), QStringList {QDir::toNativeSeparators(QFileInfo(path).absoluteFilePath())});
     QCOMPARE(chart->lastWrittenPath(), path);
+    if (layout == ChartOptions::Faceted) {
+        // Side by side facets, each in its column's colour.
+        const QRect half(0, 0, image.width() / 2, image.height());
+        const QSet<QRgb> left = saturatedColours(image.copy(half));
+        const QSet<QRgb> right = saturatedColours(image.copy(half.translated(half.width(), 0)));
+        QVERIFY(!left.isEmpty() && !right.isEmpty());
+        QVERIFY(!left.contains(mostCommon(image.copy(half), right)));
+    }
 }
 
 void TestCharts::pdfPage()
