@@ -3,6 +3,7 @@
 // examples/. Each flow is what a user would put together on the canvas.
 
 #include "app/application.h"
+#include "charts/chartnode.h"
 #include "flow/document.h"
 #include "flow/graphscene.h"
 #include "flow/nodefactory.h"
@@ -54,6 +55,19 @@ public:
             configure(options);
         node->setOptions(options);
         connect(from, node);
+        return node;
+    }
+
+    // A chart of from's columns: X and Y by position, counted from 1.
+    ChartNode *chart(Node *from, int xColumn, const QList<int> &yColumns, QPointF position,
+        const std::function<void(ChartOptions &)> &configure)
+    {
+        auto *node = static_cast<ChartNode *>(add(QStringLiteral("Chart"), position));
+        ChartOptions options = node->options();
+        configure(options);
+        node->setOptions(options);
+        connect(from, node);
+        node->setPendingColumns(xColumn, yColumns);
         return node;
     }
 
@@ -175,6 +189,62 @@ void contactsExample(NodeFactory &factory, const QString &folder)
     flow.save(folder + QStringLiteral("/contacts/contacts.tflow"));
 }
 
+// Monthly sales of four regions drawn three ways: lines as PNG, stacked bars on a PDF
+// page and one area chart per region as JPEG.
+void chartsExample(NodeFactory &factory, const QString &folder)
+{
+    FlowBuilder flow(factory);
+    flow.setNotes(QStringLiteral("Draws the monthly sales of each region as lines, as stacked bars and as one "
+                                 "area chart per region, and writes them as PNG, PDF and JPEG files. Run it, "
+                                 "then look in the output folder."));
+    Node *sales = flow.input(QStringLiteral("monthly-sales.csv"), QStringLiteral("sales"), {0, 150});
+    const QList<int> regions {2, 3, 4, 5};
+    const auto wholeNumbers = [](ChartAxisOptions &axis) {
+        axis.labelFormat = ChartAxisOptions::FormatI;
+        axis.customTitle = QStringLiteral("Sales");
+    };
+    flow.chart(sales, 1, regions, {250, 0}, [&](ChartOptions &options) {
+        options.type = ChartOptions::Line;
+        options.titleOption = ChartAxisOptions::TitleCustom;
+        options.customTitle = QStringLiteral("Monthly sales by region");
+        options.showLineDataPoints = true;
+        wholeNumbers(options.yAxis);
+        options.writeFile = true;
+        options.path = QStringLiteral("{sales.folder}/output/monthly-sales-lines.png");
+        options.imageType = ChartOptions::Png;
+        options.imageWidth = 1200;
+        options.imageHeight = 800;
+    });
+    flow.chart(sales, 1, regions, {250, 150}, [&](ChartOptions &options) {
+        options.type = ChartOptions::VerticalBar;
+        options.layout = ChartOptions::Stacked;
+        options.titleOption = ChartAxisOptions::TitleCustom;
+        options.customTitle = QStringLiteral("Monthly sales, all regions");
+        wholeNumbers(options.yAxis);
+        options.writeFile = true;
+        options.path = QStringLiteral("{sales.folder}/output/monthly-sales-stacked.pdf");
+        options.imageType = ChartOptions::Pdf;
+        options.pdfSize = QStringLiteral("A4");
+        options.pdfOrientation = ChartOptions::Landscape;
+    });
+    flow.chart(sales, 1, regions, {250, 300}, [&](ChartOptions &options) {
+        options.type = ChartOptions::Area;
+        options.layout = ChartOptions::Faceted;
+        options.facetsAcross = 2;
+        options.titleOption = ChartAxisOptions::TitleCustom;
+        options.customTitle = QStringLiteral("$(Y)");
+        options.opacity = 70;
+        wholeNumbers(options.yAxis);
+        options.yAxis.sameRangeAllFacets = true;
+        options.writeFile = true;
+        options.path = QStringLiteral("{sales.folder}/output/monthly-sales-by-region.jpg");
+        options.imageType = ChartOptions::Jpeg;
+        options.imageWidth = 1600;
+        options.imageHeight = 1000;
+    });
+    flow.save(folder + QStringLiteral("/charts/monthly-sales.tflow"));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -187,5 +257,6 @@ int main(int argc, char **argv)
     const QString folder = QDir(arguments.value(1, QStringLiteral(TABRELLE_EXAMPLES))).absolutePath();
     salesExample(application.nodeFactory(), folder);
     contactsExample(application.nodeFactory(), folder);
+    chartsExample(application.nodeFactory(), folder);
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSize>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -78,6 +79,27 @@ void writeFile(const QString &path, const QByteArray &bytes)
     QFile file(path);
     QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
     file.write(bytes);
+}
+
+// The pixel size a PNG or JPEG file declares, read from its header; invalid when the file
+// is neither.
+QSize imageSize(const QByteArray &bytes)
+{
+    const auto byteAt = [&bytes](int i) { return int(uchar(bytes.at(i))); };
+    const auto word = [&](int i) { return (byteAt(i) << 8) | byteAt(i + 1); };
+    if (bytes.startsWith("\x89PNG\r\n\x1a\n") && bytes.size() >= 24)
+        return QSize((word(16) << 16) | word(18), (word(20) << 16) | word(22));
+    if (!bytes.startsWith("\xff\xd8"))
+        return QSize();
+    for (int i = 2; i + 9 < bytes.size();) {
+        if (byteAt(i) != 0xFF)
+            return QSize();
+        const int marker = byteAt(i + 1);
+        if (marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC)
+            return QSize(word(i + 7), word(i + 5));
+        i += 2 + word(i + 2);
+    }
+    return QSize();
 }
 
 QByteArray readFile(const QString &path)
@@ -164,7 +186,7 @@ void TestHeadless::run_data()
 
     const QString inLine = "'in.csv', Id=1, [Up to date],   Input: 2 cols x 3 rows";
     const QString outLine = "'out.csv', Id=2, [Up to date],   Output: 2 cols x 3 rows";
-    const QString processed = "Processed: 1 Input(s), 0 Transform(s), 1 Output(s)";
+    const QString processed = "Processed: 1 Input(s), 0 Transform(s), 1 Output(s), 0 Chart(s)";
     const QString elapsed = "Elapsed: * second(s)";
     const QStringList aborted {"Aborted processing"};
 
@@ -204,13 +226,13 @@ void TestHeadless::run_data()
         << QStringList {"-cli", "broken.tflow"} << 0 << QStringList() << QStringList();
     QTest::newRow("a failed item at verbosity 1 returns 1")
         << QStringList {"-cli", "-verbosity", "1", "broken.tflow"} << 1
-        << QStringList {"", "Processed: 0 Input(s), 0 Transform(s), 0 Output(s)", "Outputs written: 0",
+        << QStringList {"", "Processed: 0 Input(s), 0 Transform(s), 0 Output(s), 0 Chart(s)", "Outputs written: 0",
                elapsed, "Results: 2 error(s)"}
         << QStringList();
     QTest::newRow("failed items are red at verbosity 2")
         << QStringList {"-cli", "-verbosity", "2", "broken.tflow"} << 1
         << QStringList {"", "File: 'broken.tflow'", "Started: *", "Finished: *",
-               "Processed: 0 Input(s), 0 Transform(s), 0 Output(s)", "Outputs written: 0", elapsed,
+               "Processed: 0 Input(s), 0 Transform(s), 0 Output(s), 0 Chart(s)", "Outputs written: 0", elapsed,
                "Results: 2 error(s), 1 warning(s)"}
         << QStringList {"'missing.csv', Id=1, [Error],   Input: No data",
                "'never.csv', Id=2, [Needs updating],   Output: No data"};
@@ -221,7 +243,7 @@ void TestHeadless::run_data()
                "'same.csv', Id=2, [Up to date],   Output: 2 cols x 3 rows, 0 warning(s)",
                "'same.csv', Id=3, [Up to date],   Output: 2 cols x 3 rows, 1 warning(s)",
                "    Warning: Overwrote '$DIR/same.csv' 2 times", "Finished: *",
-               "Processed: 1 Input(s), 0 Transform(s), 2 Output(s)", "Outputs written: 1", "  $DIR/same.csv",
+               "Processed: 1 Input(s), 0 Transform(s), 2 Output(s), 0 Chart(s)", "Outputs written: 1", "  $DIR/same.csv",
                "Overwritten multiple times: 1", "  Warning: Overwrote '$DIR/same.csv' 2 times", elapsed,
                "Results: 0 error(s), 2 warning(s)"}
         << QStringList();
@@ -277,7 +299,7 @@ void TestHeadless::logFileHoldsTheReport()
         (QStringList {"", "File: 'broken.tflow'", "Started: *",
             "'missing.csv', Id=1, [Error],   Input: No data",
             "'never.csv', Id=2, [Needs updating],   Output: No data", "Finished: *",
-            "Processed: 0 Input(s), 0 Transform(s), 0 Output(s)", "Outputs written: 0",
+            "Processed: 0 Input(s), 0 Transform(s), 0 Output(s), 0 Chart(s)", "Outputs written: 0",
             "Elapsed: * second(s)", "Results: 2 error(s), 1 warning(s)"}));
     QVERIFY(!readFile(log).contains('\x1b'));
 }
@@ -306,14 +328,21 @@ void TestHeadless::examples_data()
 {
     QTest::addColumn<QString>("flow");
     QTest::addColumn<QStringList>("written"); // under the example's folder
+    QTest::addColumn<QList<QSize>>("imageSizes"); // of the PNG and JPEG files written, in order
 
     // Until Filter, Join and Calculate process, they pass the orders through unchanged, and
     // so does the expected file.
     QTest::newRow("sales") << "sales/clean-and-merge.tflow"
-                           << QStringList {"output/sales-by-customer.csv", "output/sales-by-customer.xlsx"};
+                           << QStringList {"output/sales-by-customer.csv", "output/sales-by-customer.xlsx"}
+                           << QList<QSize>();
     QTest::newRow("contacts") << "contacts/contacts.tflow"
                               << QStringList {"output/contacts.json", "output/contacts.xml",
-                                     "output/contacts.yaml", "output/contacts.vcf"};
+                                     "output/contacts.yaml", "output/contacts.vcf"}
+                              << QList<QSize>();
+    QTest::newRow("charts") << "charts/monthly-sales.tflow"
+                            << QStringList {"output/monthly-sales-lines.png", "output/monthly-sales-stacked.pdf",
+                                   "output/monthly-sales-by-region.jpg"}
+                            << QList<QSize> {QSize(1200, 800), QSize(1600, 1000)};
 }
 
 void TestHeadless::examples()
@@ -332,7 +361,13 @@ void TestHeadless::examples()
     QCOMPARE(result.err, QStringList());
     QCOMPARE(result.exitCode, 0);
     QFETCH(QStringList, written);
-    QCOMPARE(result.out.value(2), QStringLiteral("Outputs written: %1").arg(written.size()));
+    QFETCH(QList<QSize>, imageSizes);
+    // Charts write images and PDF pages, which are counted apart from outputs.
+    const QRegularExpression chartFile(QStringLiteral("\\.(png|jpg|pdf)$"));
+    const int charts = written.filter(chartFile).size();
+    QCOMPARE(result.out.value(2), QStringLiteral("Outputs written: %1").arg(written.size() - charts));
+    if (charts > 0)
+        QCOMPARE(result.out.value(3), QStringLiteral("Charts written: %1").arg(charts));
     const QString expected = QStringLiteral(TABRELLE_TEST_DATA "/examples/") + exampleFolder;
     // Write times in file comments change from run to run.
     const auto timeless = [](const QByteArray &bytes) {
@@ -341,7 +376,16 @@ void TestHeadless::examples()
             QStringLiteral("*"));
     };
     for (const QString &path : written) {
-        if (path.endsWith(QLatin1String(".xlsx"))) {
+        if (path.contains(chartFile)) {
+            // Images differ in their bytes from one build of the libraries to another: the
+            // size they declare is checked, and that a PDF is one.
+            const QByteArray bytes = readFile(copy + '/' + path);
+            QVERIFY2(bytes.size() > 2000, qPrintable(path));
+            if (path.endsWith(QLatin1String(".pdf")))
+                QVERIFY(bytes.startsWith("%PDF-"));
+            else
+                QCOMPARE(imageSize(bytes), imageSizes.takeFirst());
+        } else if (path.endsWith(QLatin1String(".xlsx"))) {
             // A workbook is read back into CSV, which must match the CSV output.
             writeFile(copy + QStringLiteral("/readback.tflow"),
                 flowText(
@@ -365,7 +409,7 @@ void TestHeadless::examplesAreWhatTheBuilderMakes()
     // The committed documents are those make_examples writes, apart from who saved them
     // and where: after changing the builder or the document format, run make_examples.
     const QString folder = m_dir.filePath(QStringLiteral("made"));
-    for (const QString &sub : {QStringLiteral("sales"), QStringLiteral("contacts")})
+    for (const QString &sub : {QStringLiteral("sales"), QStringLiteral("contacts"), QStringLiteral("charts")})
         QVERIFY(QDir().mkpath(folder + '/' + sub));
     QProcess process;
     process.setProcessEnvironment(m_environment);
@@ -377,7 +421,8 @@ void TestHeadless::examplesAreWhatTheBuilderMakes()
             QRegularExpression(QStringLiteral("<(last_saved_by|doc_path) value=\"[^\"]*\"/>")));
     };
     for (const QString &flow :
-        {QStringLiteral("sales/clean-and-merge.tflow"), QStringLiteral("contacts/contacts.tflow")})
+        {QStringLiteral("sales/clean-and-merge.tflow"), QStringLiteral("contacts/contacts.tflow"),
+            QStringLiteral("charts/monthly-sales.tflow")})
         QCOMPARE(portable(readFile(folder + '/' + flow)),
             portable(readFile(QStringLiteral(TABRELLE_EXAMPLES "/") + flow)));
 }
