@@ -448,7 +448,11 @@ int ItemWidget::addFormRow(const QString &label, QWidget *widget)
     } else {
         auto *labelWidget = new QLabel(tr("%1:").arg(label), m_form);
         labelWidget->setBuddy(widget);
-        labelWidget->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+        // Beside a tall editor the label reads best at its first line.
+        const bool tall = qobject_cast<QPlainTextEdit *>(widget) != nullptr;
+        labelWidget->setAlignment(Qt::AlignLeft | (tall ? Qt::AlignTop : Qt::AlignVCenter));
+        if (tall)
+            labelWidget->setContentsMargins(0, 4, 0, 0);
         m_formLayout->addWidget(labelWidget, row, 0);
         m_formLayout->addWidget(widget, row, 1);
         widgets << labelWidget;
