@@ -6,6 +6,7 @@
 #include "flow/graphscene.h"
 #include "flow/ionode.h"
 
+#include <QApplication>
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QDir>
@@ -209,6 +210,12 @@ void ChartNode::process(bool recursive, bool freeMemory)
     if (above.size() != 1) {
         addWarning(tr("No transforms or inputs connected"));
         setStatus(UpToDate, false);
+        return;
+    }
+    // Drawing needs widgets: a program without them reports it rather than failing.
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance())) {
+        addWarning(tr("Charts can't be drawn in a program without a window system"));
+        setStatus(Error, false);
         return;
     }
     setStatus(Updating, false);
