@@ -39,7 +39,7 @@ int main(int argc, char **argv)
     application.setWindowStarter([&application](const CommandLine &line) {
         MainWindow window(application.settings(), application.transforms());
         window.show();
-        if (!line.documentPath.isEmpty())
+        if (!window.offerRecovery() && !line.documentPath.isEmpty())
             window.openDocument(line.documentPath, false);
         return application.exec();
     });

@@ -37,6 +37,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QLockFile>
+#include <QLocale>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
@@ -983,9 +984,67 @@ void MainWindow::writeRecovery()
     }
     DocumentProperties properties = m_properties;
     properties.docPath = m_documentPath;
-    QString error;
-    if (Document::writeDocument(recoveryPath(), *m_scene, properties, &error))
+    // Written through a save file, so that a crash while writing leaves the last one whole;
+    // doc_path names the document itself, not the recovery file.
+    const QByteArray text = Document::documentText(*m_scene, properties);
+    QSaveFile file(recoveryPath());
+    if (file.open(QIODevice::WriteOnly) && file.write(text) == text.size() && file.commit())
         m_lastRecoveryState = state;
+}
+
+bool MainWindow::offerRecovery()
+{
+    const QDir folder(recoveryFolder(m_settings));
+    const QStringList files = folder.entryList({QStringLiteral("recovery-*.tflow")}, QDir::Files, QDir::Time);
+    const QString own = QFileInfo(recoveryPath()).fileName();
+    for (const QString &file : files) {
+        if (file == own)
+            continue;
+        const QString path = folder.filePath(file);
+        // A lock held by a live process belongs to an open window.
+        QLockFile lock(path + QStringLiteral(".lock"));
+        if (!lock.tryLock(0))
+            continue;
+        const QString saved = QLocale().toString(QFileInfo(path).lastModified(), QLocale::ShortFormat);
+        const int answer = Prompts::instance()->ask(this, tr("Recover Flows"),
+            tr("Tabrelle did not close normally. These flows were saved for recovery:"),
+            tr("%1 - saved %2").arg(file, saved), {tr("&Open"), tr("&Discard"), tr("Decide &Later")}, 0, 2);
+        if (answer == 1) {
+            const int sure = Prompts::instance()->ask(this, tr("Recover Flows"),
+                tr("Discard the recovered flow '%1'? This can't be undone.").arg(file), QString(),
+                {tr("Discard"), tr("Cancel")}, 1, 1);
+            if (sure == 0) {
+                lock.unlock();
+                QFile::remove(path);
+                QFile::remove(path + QStringLiteral(".lock"));
+            }
+            continue;
+        }
+        if (answer != 0)
+            return false;
+        auto *scene = new GraphScene(this);
+        QString error;
+        QString warnings;
+        DocumentProperties properties;
+        if (!Document::openDocument(*scene, path, &error, &warnings, &properties)) {
+            delete scene;
+            Prompts::instance()->warning(
+                this, tr("Recover Flows"), tr("Unable to open '%1': %2").arg(QDir::toNativeSeparators(path), error));
+            continue;
+        }
+        m_properties = properties;
+        m_documentPath = properties.docPath.isEmpty() ? QString() : QFileInfo(properties.docPath).absoluteFilePath();
+        setScene(scene);
+        m_recovered = true;
+        m_unrecordedChange = true;
+        updateTitle();
+        // This process keeps its own recovery file from now on.
+        lock.unlock();
+        QFile::remove(path);
+        writeRecovery();
+        return true;
+    }
+    return false;
 }
 
 void MainWindow::removeRecovery()

@@ -67,6 +67,9 @@ public:
     QString recoveryPath() const;
     void writeRecovery();
     static QString recoveryFolder(Settings *settings);
+    // At start: offers the recovery files that no running window holds. True when one was
+    // opened.
+    bool offerRecovery();
 
 protected:
     void closeEvent(QCloseEvent *event) override;

@@ -6,6 +6,9 @@
 #include "workbench/recentdocuments.h"
 
 #include "core/settings.h"
+#include "flow/document.h"
+
+#include <QLockFile>
 
 #include <QAction>
 #include <QMenuBar>
@@ -30,6 +33,8 @@ private slots:
     void unsavedChangesPrompt();
     void saveAndReopen();
     void openFailureSaysWhy();
+    void recoveryOffered_data();
+    void recoveryOffered();
     void shortcutsAreUnique();
     void mnemonicsAreUniqueInEachMenu();
     void everyActionHasText();
@@ -220,6 +225,61 @@ void TestMainWindow::openFailureSaysWhy()
     QCOMPARE(m_prompts.warnings.size(), 1);
     QVERIFY(m_prompts.warnings.first().startsWith(QStringLiteral("Unable to open '%1': ").arg(QDir::toNativeSeparators(path))));
     QCOMPARE(m_window->documentPath(), QString());
+}
+
+void TestMainWindow::recoveryOffered_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<bool>("heldByLiveWindow");
+    QTest::addColumn<bool>("opened");
+    QTest::addColumn<int>("warnings");
+    QTest::newRow("a flow left by a crash") << QByteArray() << false << true << 0;
+    QTest::newRow("held by an open window") << QByteArray() << true << false << 0;
+    QTest::newRow("unreadable file") << QByteArray("garbage <not a flow") << false << false << 1;
+}
+
+void TestMainWindow::recoveryOffered()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(bool, heldByLiveWindow);
+    QFETCH(bool, opened);
+    QFETCH(int, warnings);
+    const QString folder = MainWindow::recoveryFolder(Application::instance()->settings());
+    QVERIFY(QDir().mkpath(folder));
+    const QString path = QDir(folder).filePath(QStringLiteral("recovery-999999.tflow"));
+    if (content.isEmpty()) {
+        GraphScene scene;
+        addInput(scene, QPointF(0, 0));
+        addInput(scene, QPointF(0, 100));
+        DocumentProperties properties;
+        properties.docPath = m_folder.filePath(QStringLiteral("lost.tflow"));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(Document::documentText(scene, properties));
+    } else {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    }
+    QLockFile other(path + QStringLiteral(".lock"));
+    if (heldByLiveWindow)
+        QVERIFY(other.tryLock(0));
+    m_prompts.answers << QStringLiteral("Open");
+    QCOMPARE(m_window->offerRecovery(), opened);
+    QCOMPARE(m_prompts.warnings.size(), warnings);
+    if (opened) {
+        QCOMPARE(m_window->scene()->nodes().size(), 2);
+        QCOMPARE(m_window->windowTitle(), QStringLiteral("lost.tflow (recovered)[*] - Tabrelle"));
+        QVERIFY(m_window->isWindowModified());
+        // The file opened is replaced by this window's own.
+        QVERIFY(!QFileInfo::exists(path));
+        QVERIFY(QFileInfo::exists(m_window->recoveryPath()));
+    } else {
+        QCOMPARE(m_window->scene()->nodes().size(), 0);
+    }
+    other.unlock();
+    QFile::remove(path);
+    QFile::remove(m_window->recoveryPath());
 }
 
 void TestMainWindow::shortcutsAreUnique()
