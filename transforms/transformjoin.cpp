@@ -157,19 +157,35 @@ void TransformJoin::createParameters(const QList<Node *> &inputs, bool useDefaul
 
 bool TransformJoin::reorderInputs(QList<Node *> &inputs)
 {
-    return swapInputsByPosition(
-        inputs, parameter(QStringLiteral("Column_1")), parameter(QStringLiteral("Column_2")));
+    Parameter *topKey = parameter(QStringLiteral("Column_1"));
+    Parameter *bottomKey = parameter(QStringLiteral("Column_2"));
+    const bool swapped = swapInputsByPosition(inputs, topKey, bottomKey);
+    // The key options say which input is the top one; inputs listed the other way round,
+    // as when a document lists its connections by item id, follow them.
+    if (topKey && bottomKey && inputs.size() == 2 && topKey->upstream() == inputs.at(1)
+        && bottomKey->upstream() == inputs.at(0)) {
+        inputs.swapItemsAt(0, 1);
+        return true;
+    }
+    return swapped;
 }
 
 void TransformJoin::setUpstream(const QList<Node *> &nodes)
 {
     Transform::setUpstream(nodes);
+    Parameter *topKey = parameter(QStringLiteral("Column_1"));
+    Parameter *bottomKey = parameter(QStringLiteral("Column_2"));
+    if (nodes.size() < 2 || !topKey || !bottomKey)
+        return;
+    // The higher item is the top one from the moment both are connected, whatever the
+    // order of connecting: a document lists its connections by item id, and the positions
+    // in its key options count the columns of the top and of the bottom item.
+    QList<Node *> order = nodes;
+    swapInputsByPosition(order, topKey, bottomKey);
     // A second input reaching a join whose keys are still open: guess them, as when the
     // join is made on two items at once. Keys chosen before, or waiting in a document's
     // text, stay as they are.
-    Parameter *topKey = parameter(QStringLiteral("Column_1"));
-    Parameter *bottomKey = parameter(QStringLiteral("Column_2"));
-    if (nodes.size() < 2 || !topKey || !bottomKey || topKey->isPending() || bottomKey->isPending())
+    if (topKey->isPending() || bottomKey->isPending())
         return;
     if (topKey->columnId().isUnset() && bottomKey->columnId().isUnset())
         guessKeyColumns(topKey, bottomKey, false);

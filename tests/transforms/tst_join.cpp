@@ -85,6 +85,7 @@ private slots:
     void progress();
     void guessOnSecondConnection_data();
     void guessOnSecondConnection();
+    void flowThroughFiles_data();
     void flowThroughFiles();
 };
 
@@ -422,50 +423,72 @@ void TestJoin::progress()
     QCOMPARE(spy.at(1).at(0).toReal(), 0.5);
 }
 
-// Connecting the second input guesses the keys from shared values and headers, unless
-// keys were chosen already.
+// Connecting the second input puts the higher item on top, a key chosen before going
+// with its dataset, and guesses the keys from shared values and headers unless one was
+// chosen already.
 void TestJoin::guessOnSecondConnection_data()
 {
+    QTest::addColumn<QString>("graph");
     QTest::addColumn<QString>("topKey"); // chosen before the second connection, or empty
     QTest::addColumn<QString>("keys");
-    QTest::newRow("guessed") << ""
-                             << "code:code";
-    QTest::newRow("chosen before") << "1"
-                                   << "name:-";
+    QTest::newRow("guessed") << "a b@0,100"
+                             << ""
+                             << "a.code:b.code";
+    QTest::newRow("chosen before") << "a b@0,100"
+                                   << "1"
+                                   << "a.name:b.-";
+    QTest::newRow("second item above: guessed with it on top") << "a@0,100 b"
+                                                               << ""
+                                                               << "b.code:a.code";
+    QTest::newRow("second item above: the chosen key goes with its item") << "a@0,100 b"
+                                                                          << "1"
+                                                                          << "b.-:a.name";
 }
 
 void TestJoin::guessOnSecondConnection()
 {
+    QFETCH(QString, graph);
     QFETCH(QString, topKey);
-    TestGraph graph(QStringLiteral("a b@0,100"));
+    TestGraph flow(graph);
     QString top = QStringLiteral("name,code");
     QString bottom = QStringLiteral("code,city");
     for (int i = 0; i < 10; ++i) {
         top += QStringLiteral("\nn%1,C%1").arg(i);
         bottom += QStringLiteral("\nC%1,x%1").arg(9 - i);
     }
-    setData(graph["a"], top);
-    setData(graph["b"], bottom);
+    setData(flow["a"], top);
+    setData(flow["b"], bottom);
     auto *node = new TransformNode(new TransformJoin);
-    graph.scene.addNode(node);
-    QVERIFY(graph.scene.connectNodes(graph["a"], node));
+    flow.scene.addNode(node);
+    QVERIFY(flow.scene.connectNodes(flow["a"], node));
     Parameter *topParameter = node->transform()->parameter(QStringLiteral("Column_1"));
     Parameter *bottomParameter = node->transform()->parameter(QStringLiteral("Column_2"));
     if (!topKey.isEmpty())
         topParameter->fromText(topKey, CurrentVersion);
-    QVERIFY(graph.scene.connectNodes(graph["b"], node));
+    QVERIFY(flow.scene.connectNodes(flow["b"], node));
     const auto headerOf = [](const Parameter *parameter) {
         const DataColumnIndex column = parameter->columnIndex();
-        return column.isValid() ? parameter->upstreamDataset()->headerText(column) : QStringLiteral("-");
+        return TestGraph::name(parameter->upstream()) + QLatin1Char('.')
+            + (column.isValid() ? parameter->upstreamDataset()->headerText(column) : QStringLiteral("-"));
     };
     QTEST(headerOf(topParameter) + QLatin1Char(':') + headerOf(bottomParameter), "keys");
 }
 
 // A document read from disk and run as the command line runs it: orders joined with
-// their customers, the customers' item standing above the orders' on the canvas and
-// connected second, so that the customers are the top dataset.
+// their customers, the customers' item standing above the orders' on the canvas, so that
+// the customers are the top dataset whichever connection the document lists first.
+void TestJoin::flowThroughFiles_data()
+{
+    QTest::addColumn<QString>("connections");
+    QTest::newRow("top item connected second") << "<connection start_id=\"1\" end_id=\"3\"/>"
+                                                  "<connection start_id=\"2\" end_id=\"3\"/>";
+    QTest::newRow("top item connected first") << "<connection start_id=\"2\" end_id=\"3\"/>"
+                                                 "<connection start_id=\"1\" end_id=\"3\"/>";
+}
+
 void TestJoin::flowThroughFiles()
 {
+    QFETCH(QString, connections);
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     // Relative file names are found from the working folder, as in a run from a shell.
@@ -477,25 +500,27 @@ void TestJoin::flowThroughFiles()
     };
     write(QStringLiteral("orders.csv"), "order,customer,amount\n1,C2,10\n2,C1,20\n3,C9,30\n4,C2,40\n");
     write(QStringLiteral("customers.csv"), "id,name\r\nC1,Ann\r\nC2,Bob\r\nC3,Cy\r\n");
-    // Column_1 watches the first connected item (orders) until the run puts the higher
-    // item on top: the options' values go with their datasets.
+    // The key positions count the columns of the top item (customers) and of the bottom
+    // item (orders).
     write(QStringLiteral("flow.tflow"),
-        "<?xml version=\"1.0\"?>\n<!DOCTYPE Tabrelle>\n<root>\n"
-        "<meta><version value=\"84\"/><locale value=\"en_US\"/></meta>\n"
-        "<inputs><input id=\"1\" path=\"orders.csv\" header=\"1\" pos=\"0^200\"/>"
-        "<input id=\"2\" path=\"customers.csv\" header=\"1\" pos=\"0^0\"/></inputs>\n"
-        "<transforms><transform id=\"3\" name=\"Join\" pos=\"200^100\"><parameters>"
-        "<parameter name=\"By\" type=\"6\" value=\"Key\"/>"
-        "<parameter name=\"Column_1\" type=\"0\" value=\"2\"/>"
-        "<parameter name=\"Include_Non_Matching_1\" type=\"5\" value=\"1\"/>"
-        "<parameter name=\"Column_2\" type=\"0\" value=\"1\"/>"
-        "<parameter name=\"Include_Non_Matching_2\" type=\"5\" value=\"0\"/>"
-        "<parameter name=\"Case_Sensitive\" type=\"5\" value=\"1\"/>"
-        "<parameter name=\"Detailed_Report\" type=\"5\" value=\"0\"/>"
-        "</parameters></transform></transforms>\n"
-        "<outputs><output id=\"4\" path=\"joined.csv\" enable_output=\"1\" pos=\"400^100\"/></outputs>\n"
-        "<connections><connection start_id=\"1\" end_id=\"3\"/><connection start_id=\"2\" end_id=\"3\"/>"
-        "<connection start_id=\"3\" end_id=\"4\"/></connections>\n</root>\n");
+        QStringLiteral(
+            "<?xml version=\"1.0\"?>\n<!DOCTYPE Tabrelle>\n<root>\n"
+            "<meta><version value=\"84\"/><locale value=\"en_US\"/></meta>\n"
+            "<inputs><input id=\"1\" path=\"orders.csv\" header=\"1\" pos=\"0^200\"/>"
+            "<input id=\"2\" path=\"customers.csv\" header=\"1\" pos=\"0^0\"/></inputs>\n"
+            "<transforms><transform id=\"3\" name=\"Join\" pos=\"200^100\"><parameters>"
+            "<parameter name=\"By\" type=\"6\" value=\"Key\"/>"
+            "<parameter name=\"Column_1\" type=\"0\" value=\"1\"/>"
+            "<parameter name=\"Include_Non_Matching_1\" type=\"5\" value=\"1\"/>"
+            "<parameter name=\"Column_2\" type=\"0\" value=\"2\"/>"
+            "<parameter name=\"Include_Non_Matching_2\" type=\"5\" value=\"0\"/>"
+            "<parameter name=\"Case_Sensitive\" type=\"5\" value=\"1\"/>"
+            "<parameter name=\"Detailed_Report\" type=\"5\" value=\"0\"/>"
+            "</parameters></transform></transforms>\n"
+            "<outputs><output id=\"4\" path=\"joined.csv\" enable_output=\"1\" pos=\"400^100\"/></outputs>\n"
+            "<connections>%1<connection start_id=\"3\" end_id=\"4\"/></connections>\n</root>\n")
+            .arg(connections)
+            .toUtf8());
 
     GraphScene scene;
     QString reason;
