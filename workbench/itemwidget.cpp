@@ -347,7 +347,7 @@ void ItemWidget::refreshHeader()
     m_helpButton->setToolTip(tr("Help on %1").arg(m_node ? m_node->displayTypeName() : tr("Flow")));
     m_helpButton->setAccessibleName(m_helpButton->toolTip());
     m_menuButton->setVisible(canSaveDefaults());
-    if (m_node) {
+    if (m_node && hasStatusAndComment()) {
         m_statusLabel->setText(Node::statusName(m_node->status()));
         QPalette palette = m_statusLabel->palette();
         palette.setColor(QPalette::WindowText, statusColour(m_node->status(), isDark(this)));
@@ -419,7 +419,7 @@ void ItemWidget::refreshDetails()
 
 void ItemWidget::refreshItemSection()
 {
-    m_itemSection->setVisible(m_node != nullptr);
+    m_itemSection->setVisible(m_node != nullptr && hasStatusAndComment());
     if (!m_node)
         return;
     m_aliasLabel->setVisible(hasAlias());

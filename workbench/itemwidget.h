@@ -124,6 +124,8 @@ protected:
     // Inputs, outputs and charts have an alias and an editable name.
     virtual bool hasAlias() const { return false; }
     virtual bool hasEditableName() const { return false; }
+    // A note has no status, and its comment is its text.
+    virtual bool hasStatusAndComment() const { return true; }
     // Places a child with its label in the form; a null label spans the row.
     QGridLayout *formLayout() const { return m_formLayout; }
     int addFormRow(const QString &label, QWidget *widget);

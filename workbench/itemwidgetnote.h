@@ -28,6 +28,7 @@ public:
 
 protected:
     void updateFromNode() override;
+    bool hasStatusAndComment() const override { return false; }
 
 private:
     NoteNode *noteNode() const;
