@@ -513,11 +513,13 @@ private:
         if (low > high)
             return;
         if (auto *log = qobject_cast<QLogValueAxis *>(axis)) {
-            if (high <= low) {
-                low /= log->base();
-                high *= log->base();
-            }
-            log->setRange(low, high);
+            // Whole powers of the base at both ends, so that the axis has labelled ticks.
+            const double base = log->base();
+            const double first = std::floor(std::log(low) / std::log(base) + 1e-9);
+            double last = std::ceil(std::log(high) / std::log(base) - 1e-9);
+            if (last <= first)
+                last = first + 1;
+            log->setRange(std::pow(base, first), std::pow(base, last));
             return;
         }
         if (fromZero) {

@@ -557,6 +557,20 @@ void TestCharts::facetGridAndCommonRange()
     QVERIFY(areaWidget.views().first()->yRange(&areaLow, &areaHigh));
     QCOMPARE(areaLow, 0.0);
 
+    // A log axis runs between whole powers of its base, so that it has labelled ticks.
+    ChartNode *log = makeChart("X,Y\n1,20\n2,500", 2, 1, {2}, [](ChartOptions &o) {
+        o.xAs = ChartOptions::XNumeric;
+        o.yAxis.scale = ChartAxisOptions::Log10;
+    });
+    QVERIFY(run(log));
+    ChartWidget logWidget;
+    logWidget.setNode(log);
+    QVERIFY(logWidget.updateChart());
+    double logLow = 0, logHigh = 0;
+    QVERIFY(logWidget.views().first()->yRange(&logLow, &logHigh));
+    QCOMPARE(logLow, 10.0);
+    QCOMPARE(logHigh, 1000.0);
+
     // Without the option each facet keeps its own range.
     options.yAxis.sameRangeAllFacets = false;
     options.yAxis.maxRangeOption = ChartAxisOptions::RangeAutomatic;
