@@ -1,12 +1,14 @@
 #include "workbench/datatableview.h"
 
 #include "workbench/datasettablemodel.h"
+#include "workbench/prompts.h"
 
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
@@ -303,8 +305,29 @@ void DataTableView::selectedCells(Dataset &cells, bool withHeaders) const
     }
 }
 
+qint64 DataTableView::selectedCellCount() const
+{
+    qint64 count = 0;
+    if (selectionModel()) {
+        const QItemSelection selection = selectionModel()->selection();
+        for (const QItemSelectionRange &range : selection)
+            count += qint64(range.width()) * range.height();
+    }
+    return count;
+}
+
 void DataTableView::copySelection(bool withHeaders)
 {
+    const qint64 count = selectedCellCount();
+    if (count > MaxCellsWithoutAsking) {
+        const QString copy = tr("Copy");
+        const int answer = Prompts::instance()->ask(this, tr("Copy"),
+            tr("Copy %1 cells to the clipboard? This can take a while and use a lot of memory.")
+                .arg(QLocale().toString(count)),
+            QString(), {copy, tr("Cancel")}, 0, 1);
+        if (answer != 0)
+            return;
+    }
     Dataset cells;
     selectedCells(cells, withHeaders);
     if (cells.hasNoColumns())

@@ -33,6 +33,8 @@ public:
     static constexpr int MinimumColumnWidth = 48;
     static constexpr int MaximumColumnWidth = 320;
     static constexpr int UnfittedColumnWidth = 100;
+    // A larger copy asks first.
+    static constexpr qint64 MaxCellsWithoutAsking = 1000000;
 
     explicit DataTableView(QWidget *parent = nullptr);
 
@@ -47,6 +49,7 @@ public:
     // as an HTML table. Empty when nothing is selected.
     void selectedCells(Dataset &cells, bool withHeaders) const;
     void copySelection(bool withHeaders);
+    qint64 selectedCellCount() const;
     // Makes a dataset cell current and scrolls it to the centre; false when out of range.
     bool goToCell(int datasetRow, int column);
 

@@ -6,10 +6,10 @@
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
 #include "workbench/parametereditor.h"
+#include "workbench/prompts.h"
 
 #include <QGridLayout>
 #include <QLabel>
-#include <QMessageBox>
 #include <QStyle>
 
 #include <memory>
@@ -247,9 +247,10 @@ void TransformItemWidget::restoreDefaults(bool factoryOnly)
     if (factoryOnly && settings) {
         const QString group = QStringLiteral("defaults/transforms/%1").arg(transform->id());
         if (!settings->childKeys(group).isEmpty()
-            && QMessageBox::question(this, tr("Reset to Factory Options"),
-                   tr("Also forget the saved defaults for %1?").arg(transform->name()))
-                == QMessageBox::Yes) {
+            && Prompts::instance()->ask(this, tr("Reset to Factory Options"),
+                   tr("Also forget the saved defaults for %1?").arg(transform->name()), QString(),
+                   {tr("Forget"), tr("Keep")}, 1, 1)
+                == 0) {
             const QStringList keys = settings->childKeys(group);
             for (const QString &key : keys)
                 settings->remove(group + QLatin1Char('/') + key);

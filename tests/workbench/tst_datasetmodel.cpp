@@ -4,6 +4,7 @@
 #include "workbench/datasettablemodel.h"
 #include "workbench/datatableview.h"
 #include "workbench/findbar.h"
+#include "workbench/prompts.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -27,6 +28,8 @@ private slots:
     void longTableReadsOnlyVisibleCells();
     void copy_data();
     void copy();
+    void largeCopyAsks_data();
+    void largeCopyAsks();
     void find_data();
     void find();
     void findInvalidPattern();
@@ -225,6 +228,46 @@ void TestDatasetModel::copy()
     QVERIFY(mime);
     QCOMPARE(mime->text(), expected);
     QVERIFY(mime->html().contains(QStringLiteral("<td>a</td>")));
+}
+
+void TestDatasetModel::largeCopyAsks_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("asked");
+    QTest::addColumn<bool>("copied");
+    QTest::newRow("a million cells copy at once") << 1000000 << "" << false << true;
+    QTest::newRow("one more asks, cancelled") << 1000001 << "Cancel" << true << false;
+    QTest::newRow("one more asks, copied") << 1000001 << "Copy" << true << true;
+}
+
+void TestDatasetModel::largeCopyAsks()
+{
+    QFETCH(int, rows);
+    QFETCH(QString, answer);
+    QFETCH(bool, asked);
+    QFETCH(bool, copied);
+    Dataset dataset;
+    dataset.setColumnCount(1);
+    const QStringList row = {QStringLiteral("v")};
+    for (int i = 0; i < rows; ++i)
+        dataset.appendRow(row);
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    DataTableView view;
+    view.setDatasetModel(&model);
+    view.selectAll();
+    ScriptedPrompts prompts;
+    if (!answer.isEmpty())
+        prompts.answers << answer;
+    Prompts::setInstance(&prompts);
+    QApplication::clipboard()->setText(QStringLiteral("before"));
+    view.copySelection(false);
+    Prompts::setInstance(nullptr);
+    QCOMPARE(!prompts.asked.isEmpty(), asked);
+    QCOMPARE(QApplication::clipboard()->text() != QLatin1String("before"), copied);
+    if (copied)
+        QCOMPARE(QApplication::clipboard()->text().size(), rows * 2);
 }
 
 void TestDatasetModel::find_data()
