@@ -22,6 +22,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGraphicsPathItem>
+#include <QInputDialog>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -1087,6 +1088,18 @@ void GraphView::cancelConnectionDrag()
 
 void GraphView::mouseDoubleClickEvent(QMouseEvent *event)
 {
+    // A double-click on a note edits its text, as one step.
+    auto *note = qobject_cast<NoteNode *>(nodeAt(event->pos()));
+    if (note && m_editingEnabled && event->button() == Qt::LeftButton) {
+        bool ok = false;
+        const QString text = QInputDialog::getMultiLineText(this, tr("Note"), tr("Text"), note->text(), &ok);
+        if (ok && text != note->text()) {
+            UndoScope scope(m_scene, m_undoStack, tr("note change"));
+            note->setText(text);
+        }
+        event->accept();
+        return;
+    }
     QGraphicsView::mouseDoubleClickEvent(event);
 }
 

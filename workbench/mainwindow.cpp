@@ -147,6 +147,15 @@ MainWindow::MainWindow(Settings *settings, const QList<Transform *> &prototypes,
 #endif
         updateActions();
     });
+#ifdef TABRELLE_HAS_ITEM_PANE
+    connect(m_itemPane, &ItemPane::runRequested, this, [this](Node *node) {
+        if (!m_scene || m_runActive || !node || !m_scene->nodes().contains(node))
+            return;
+        m_scene->clearSelection();
+        node->setSelected(true);
+        m_scene->runSelected();
+    });
+#endif
     connect(m_view, &GraphView::openDocumentRequested, this, [this](const QString &path) { openDocument(path); });
     connect(m_view, &GraphView::contextMenuWanted, this, &MainWindow::showContextMenu);
     connect(m_view, &GraphView::editingDone, this, &MainWindow::updateActions);
@@ -363,6 +372,18 @@ void MainWindow::createActions()
             m_view->deleteSelection();
     });
     connect(m_duplicateAction, &QAction::triggered, m_view, &GraphView::duplicateSelection);
+    connect(m_renameAction, &QAction::triggered, this, [this] {
+        Node *node = m_view->currentNode();
+        if (!qobject_cast<IONode *>(node) || m_runActive)
+            return;
+        bool ok = false;
+        const QString name =
+            QInputDialog::getText(this, tr("Rename"), tr("Name"), QLineEdit::Normal, node->name(), &ok);
+        if (ok && name != node->name()) {
+            UndoScope scope(m_scene, m_undoStack, tr("rename"));
+            node->setName(name);
+        }
+    });
     connect(m_selectAllAction, &QAction::triggered, this, [this] {
         QWidget *target = focusTarget();
         if (auto *line = qobject_cast<QLineEdit *>(target))
