@@ -467,7 +467,9 @@ QString renderNumber(double value)
     // A whole number below 2^63 has the same digits as the integer.
     if (std::fabs(value) < 9.2e18 && value == std::trunc(value))
         return QString::number(qint64(value));
-    const int exponent = int(std::floor(std::log10(std::fabs(value))));
+    // 15 significant digits, as a spreadsheet shows them: the decimals are 15 less the
+    // digits before the point (82.8 has 2), so 12 * 6.9 reads 82.8, not 82.80000000000001.
+    const int exponent = int(std::floor(std::log10(std::fabs(value)))) + 1;
     const int precision = qMax(0, 15 - exponent);
     // std::to_chars rounds correctly, as QString::number does, several times faster; they
     // differ only on an exact tie, which QString::number takes away from zero. A value
@@ -481,7 +483,7 @@ QString renderNumber(double value)
     if (decimals == precision + 1) {
         text = QString::number(value, 'f', precision);
     } else {
-        char buffer[400]; // at most 341: "0." and 339 decimals of the smallest
+        char buffer[400]; // at most 340: "0." and 338 decimals of the smallest
         const std::to_chars_result written =
             std::to_chars(buffer, buffer + sizeof buffer, value, std::chars_format::fixed, precision);
         text = QString::fromLatin1(buffer, int(written.ptr - buffer));

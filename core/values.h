@@ -53,7 +53,7 @@ QDate cachedDate(const QString &text, const QString &format);
 bool cachedDatePair(const QString &a, const QString &b, QDate *dateA, QDate *dateB);
 void clearValueCaches();
 
-// A number as the program writes it: fixed notation with about 15 significant digits,
+// A number as the program writes it: fixed notation with 15 significant digits,
 // no trailing zeros, no group separators, "." as decimal point, "NaN" when not finite.
 QString renderNumber(double value);
 // A count for messages, with the default locale's group separators.
