@@ -1,5 +1,6 @@
 #include "graphview.h"
 
+#include "graphviewchooser.h"
 #include "graphviewpainter.h"
 #include "prompts.h"
 #include "undo.h"
@@ -947,8 +948,7 @@ void GraphView::mousePressEvent(QMouseEvent *event)
     }
     Node *node = nodeAt(event->pos());
     if (event->button() == Qt::LeftButton && node && m_editingEnabled
-        && GraphViewPainter::isOnOutPort(*node, node->mapFromScene(mapToScene(event->pos())))
-        && node->canConnectOut()) {
+        && GraphViewPainter::isOnOutPort(*node, node->mapFromScene(mapToScene(event->pos())))) {
         // Start dragging a connection.
         m_dragStart = node;
         QSet<const Node *> candidates;
@@ -1014,7 +1014,7 @@ void GraphView::mouseMoveEvent(QMouseEvent *event)
         if (hovered)
             hovered->update();
     }
-    if (hovered && hovered->canConnectOut() && m_editingEnabled
+    if (hovered && m_editingEnabled
         && GraphViewPainter::isOnOutPort(*hovered, hovered->mapFromScene(mapToScene(event->pos()))))
         viewport()->setCursor(Qt::CrossCursor);
     else
@@ -1066,10 +1066,32 @@ void GraphView::finishConnectionDrag(const QPoint &viewPos)
         connectNodes(start, target);
         return;
     }
-    // Released on empty canvas: the start item becomes current so that an item added
-    // next is connected from it.
-    emit statusMessage(tr("Add an item from the transform pane to connect it from '%1'").arg(start->name()), MessageMs);
+    // Released on empty canvas: a chooser of what to add there, connected from the start.
+    const QPointF at = mapToScene(viewPos);
+    auto *popup = new ItemChooserPopup(start->name(), m_prototypes, m_showAdvanced, this);
+    const int startId = start->id();
+    connect(popup, &ItemChooserPopup::chosen, this, [this, startId, at](const Transform *prototype) {
+        if (Node *from = m_scene ? m_scene->node(startId) : nullptr)
+            addConnectedFrom(from, prototype, at);
+    });
+    popup->move(viewport()->mapToGlobal(viewPos));
+    popup->show();
+    popup->searchEdit()->setFocus();
+}
+
+Node *GraphView::addConnectedFrom(Node *start, const Transform *prototype, const QPointF &pos)
+{
+    if (!m_scene || !start || !m_editingEnabled)
+        return nullptr;
     makeCurrentAndSelect(start);
+    if (prototype)
+        return addTransform(prototype, &pos);
+    const QString path = FileDialogs::instance()->saveFile(this, tr("Add Output File"), tr("Output.csv"),
+        tr("Data files (*.csv *.tsv *.txt *.xlsx *.xls *.json *.xml *.vcf *.yaml *.html *.md);;All files (*)"));
+    if (path.isEmpty())
+        return nullptr;
+    // Placed to the right of the start, which is current.
+    return addOutput(path);
 }
 
 void GraphView::cancelConnectionDrag()

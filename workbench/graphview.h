@@ -72,6 +72,12 @@ public:
     // Moves pos down until the item's tile and caption overlap no other item.
     QPointF freePosition(QPointF pos, const Node *ignore = nullptr) const;
 
+    // The transforms the chooser popup offers, and whether advanced ones are among them.
+    void setTransformPrototypes(const QList<Transform *> &prototypes) { m_prototypes = prototypes; }
+    void setShowAdvanced(bool on) { m_showAdvanced = on; }
+    // Adds, at pos, the output or transform chosen in the chooser popup, connected from start.
+    Node *addConnectedFrom(Node *start, const Transform *prototype, const QPointF &pos);
+
     // For tests and the accessible description.
     QString describeCurrent() const;
 
@@ -133,4 +139,6 @@ private:
     bool m_panning = false;
     QPoint m_panLast;
     int m_pasteCount = 0;
+    QList<Transform *> m_prototypes;
+    bool m_showAdvanced = false;
 };

@@ -156,9 +156,15 @@ QPointF GraphViewPainter::outPortPos()
     return QPointF(Half, 0);
 }
 
+bool GraphViewPainter::hasRoomDownstream(const Node &node)
+{
+    // Room for one more item below: a drag from the port can connect one or open the chooser.
+    return node.connections(Node::Outgoing).size() < node.maxDownstream();
+}
+
 bool GraphViewPainter::isOnOutPort(const Node &node, const QPointF &itemPos)
 {
-    if (!node.canConnectOut() && node.maxDownstream() <= 0)
+    if (!hasRoomDownstream(node))
         return false;
     return QLineF(itemPos, outPortPos()).length() <= 9.0;
 }
@@ -444,7 +450,7 @@ void GraphViewPainter::paintNode(const Node &node, QPainter *p, const QStyleOpti
         p->setBrush(theme.connection);
         p->drawPie(QRectF(-Half - 3, -3, 6, 6), 90 * 16, -180 * 16);
     }
-    if (&node == m_hovered && node.canConnectOut()) {
+    if (&node == m_hovered && hasRoomDownstream(node)) {
         p->setPen(QPen(theme.itemFill, 1.5));
         p->setBrush(theme.accent);
         p->drawEllipse(outPortPos(), PortRadius, PortRadius);

@@ -74,6 +74,7 @@ public:
     // Where the out port is, in item coordinates, and how near counts as on it.
     static QPointF outPortPos();
     static bool isOnOutPort(const Node &node, const QPointF &itemPos);
+    static bool hasRoomDownstream(const Node &node);
 
 private:
     GraphViewPainter() = default;

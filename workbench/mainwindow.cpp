@@ -138,6 +138,9 @@ MainWindow::MainWindow(Settings *settings, const QList<Transform *> &prototypes,
     connect(m_transformPane, &TransformPane::transformActivated, this,
         [this](const Transform *prototype) { m_view->addTransform(prototype); });
     connect(m_transformPane, &TransformPane::showAdvancedChanged, m_showAdvancedAction, &QAction::setChecked);
+    m_view->setTransformPrototypes(m_prototypes);
+    m_view->setShowAdvanced(m_transformPane->showAdvanced());
+    connect(m_transformPane, &TransformPane::showAdvancedChanged, m_view, &GraphView::setShowAdvanced);
     connect(m_view, &GraphView::statusMessage, this, &MainWindow::showStatus);
     connect(m_view, &GraphView::currentNodeChanged, this, [this](Node *node) {
 #ifdef TABRELLE_HAS_ITEM_PANE

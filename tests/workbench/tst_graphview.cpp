@@ -4,9 +4,11 @@
 #include "outputs/outputnode.h"
 #include "transforms/transformnode.h"
 #include "workbench/graphview.h"
+#include "workbench/graphviewchooser.h"
 #include "workbench/graphviewpainter.h"
 #include "workbench/prompts.h"
 
+#include <QLineEdit>
 #include <QMimeData>
 #include <QUndoStack>
 #include <QUrl>
@@ -22,6 +24,7 @@ private slots:
     void cleanup();
     void dragFromPort_data();
     void dragFromPort();
+    void releaseOnEmptyCanvasOpensChooser();
     void rubberBand();
     void wheelZoomLimits_data();
     void wheelZoomLimits();
@@ -139,6 +142,32 @@ void TestGraphView::dragFromPort()
             QCOMPARE(messages.last().first().toString(), message.contains(QLatin1String("%1")) ? message.arg(end->name()) : message);
         }
     }
+}
+
+void TestGraphView::releaseOnEmptyCanvasOpensChooser()
+{
+    QList<Transform *> prototypes = Application::instance()->transforms();
+    m_view->setTransformPrototypes(prototypes);
+    Node *input = addInput(*m_scene, QPointF(200, 0));
+    QCoreApplication::processEvents(); // the scene grows around the new item first
+    const QPoint port = viewPos(input, GraphViewPainter::outPortPos());
+    const QPoint empty = m_view->mapFromScene(QPointF(450, 150));
+    QTest::mouseMove(m_view->viewport(), port);
+    QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, port);
+    QTest::mouseMove(m_view->viewport(), empty);
+    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, empty);
+    auto *popup = m_view->findChild<ItemChooserPopup *>();
+    QVERIFY(popup);
+    QCOMPARE(popup->searchEdit()->placeholderText(), QStringLiteral("Add item connected from 'Clipboard'"));
+    QVERIFY(popup->listedTexts().contains(QStringLiteral("Output")));
+    QTest::keyClicks(popup->searchEdit(), QStringLiteral("filter"));
+    QCOMPARE(popup->listedTexts().value(0), QStringLiteral("Filter"));
+    QTest::keyClick(popup->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_scene->nodes().size(), 2);
+    Node *filter = m_scene->selectedNodes().value(0);
+    QVERIFY(filter && filter->isConnectedFrom(input));
+    QCOMPARE(filter->pos(), QPointF(450, 150));
+    QCOMPARE(m_stack->undoText(), QStringLiteral("add 'Filter'"));
 }
 
 void TestGraphView::rubberBand()
