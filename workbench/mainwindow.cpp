@@ -442,8 +442,31 @@ void MainWindow::createActions()
         if (m_settings)
             m_settings->setValue(QStringLiteral("theme"), which);
         bool dark = which == 2;
-        if (which == 0)
+        if (which == 0) {
             dark = QApplication::palette().color(QPalette::Window).lightness() < 128;
+        } else {
+            // A forced theme: the Fusion style with a palette built from the canvas colours.
+            QApplication::setStyle(QStringLiteral("Fusion"));
+            const CanvasTheme colours = dark ? CanvasTheme::dark() : CanvasTheme::light();
+            QPalette palette;
+            const QColor window = dark ? QColor(0x2B, 0x2B, 0x2B) : QColor(0xEF, 0xEF, 0xEF);
+            palette.setColor(QPalette::Window, window);
+            palette.setColor(QPalette::WindowText, colours.text);
+            palette.setColor(QPalette::Base, colours.itemFill);
+            palette.setColor(QPalette::AlternateBase, dark ? QColor(0x33, 0x33, 0x33) : QColor(0xF5, 0xF5, 0xF5));
+            palette.setColor(QPalette::Text, colours.text);
+            palette.setColor(QPalette::Button, window);
+            palette.setColor(QPalette::ButtonText, colours.text);
+            palette.setColor(QPalette::ToolTipBase, colours.itemFill);
+            palette.setColor(QPalette::ToolTipText, colours.text);
+            palette.setColor(QPalette::Highlight, colours.accent);
+            palette.setColor(QPalette::HighlightedText, Qt::white);
+            palette.setColor(QPalette::Link, colours.accent);
+            palette.setColor(QPalette::PlaceholderText, colours.secondaryText);
+            for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+                palette.setColor(QPalette::Disabled, role, colours.secondaryText);
+            QApplication::setPalette(palette);
+        }
         CanvasTheme::setDark(dark);
         if (m_scene)
             m_scene->update();
