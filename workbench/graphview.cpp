@@ -5,6 +5,7 @@
 #include "prompts.h"
 #include "undo.h"
 
+#include "charts/chartnode.h"
 #include "flow/connection.h"
 #include "flow/document.h"
 #include "flow/fileformat.h"
@@ -609,6 +610,37 @@ Node *GraphView::addOutput(const QString &path)
             scene->runIfAuto();
     });
     return output;
+}
+
+Node *GraphView::addChart(const QString &path)
+{
+    if (!m_scene || !m_editingEnabled)
+        return nullptr;
+    auto *chart = new ChartNode;
+    {
+        UndoScope scope(m_scene, m_undoStack, tr("add chart"));
+        ChartOptions options = chart->options();
+        options.writeFile = !path.isEmpty();
+        if (!path.isEmpty()) {
+            options.path = QFileInfo(path).absoluteFilePath();
+            const int type = ChartOptions::imageTypeForExtension(QFileInfo(path).suffix());
+            if (type >= 0)
+                options.imageType = type;
+        }
+        chart->setOptions(options);
+        Node *from = m_current && canHaveDownstream(m_current) ? m_current : nullptr;
+        chart->setPos(freePosition(from ? from->pos() + QPointF(StepX, 0) : viewCentre()));
+        m_scene->addNode(chart);
+        if (from)
+            m_scene->connectNodes(from, chart);
+    }
+    placeAndSelect({chart});
+    emit editingDone();
+    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
+        if (scene)
+            scene->runIfAuto();
+    });
+    return chart;
 }
 
 Node *GraphView::addNote(const QPointF *at)

@@ -53,6 +53,9 @@ public:
     QList<Node *> addInputFiles(const QStringList &paths, const QPointF *at = nullptr);
     Node *addTextInput(const QString &text, const QPointF *at = nullptr, const QString &stepName = QString());
     Node *addOutput(const QString &path);
+    // A chart placed as an output is; with a path it writes that file, its image type
+    // taken from the extension.
+    Node *addChart(const QString &path = QString());
     Node *addNote(const QPointF *at = nullptr);
     void deleteSelection();
     void copySelection();
