@@ -1,5 +1,6 @@
 #include "workbench/itempane.h"
 
+#include "charts/chartnode.h"
 #include "flow/graphscene.h"
 #include "flow/node.h"
 #include "flow/notenode.h"
@@ -9,6 +10,7 @@
 #include "transforms/transformnode.h"
 #include "workbench/datapanel.h"
 #include "workbench/itemwidget.h"
+#include "workbench/itemwidgetchart.h"
 #include "workbench/itemwidgetio.h"
 #include "workbench/itemwidgetnote.h"
 #include "workbench/itemwidgettransform.h"
@@ -79,6 +81,8 @@ ItemWidget *ItemPane::createItemWidget(Node *node)
         return new InputItemWidget(input, m_scene, m_undoStack, m_stack);
     if (auto *output = qobject_cast<OutputNode *>(node))
         return new OutputItemWidget(output, m_scene, m_undoStack, m_stack);
+    if (auto *chart = qobject_cast<ChartNode *>(node))
+        return new ChartItemWidget(chart, m_scene, m_undoStack, m_stack);
     if (auto *note = qobject_cast<NoteNode *>(node))
         return new NoteItemWidget(note, m_scene, m_undoStack, m_stack);
     return new ItemWidget(node, m_scene, m_undoStack, m_stack);

@@ -106,6 +106,8 @@ MainWindow::MainWindow(Settings *settings, const QList<Transform *> &prototypes,
     itemActions.addInput = m_addInputAction;
     itemActions.pasteAsInput = m_pasteAsInputAction;
     itemActions.addOutput = m_addOutputAction;
+    itemActions.addChart = m_addChartAction;
+    itemActions.addChartFile = m_addChartFileAction;
     itemActions.addNote = m_addNoteAction;
     m_transformPane = new TransformPane(m_prototypes, m_settings, itemActions, this);
     m_transformPane->setMinimumWidth(200);
@@ -267,6 +269,10 @@ void MainWindow::createActions()
 
     m_addInputAction = make(tr("Add &Input File..."), QStringLiteral("addInputAction"), QKeySequence(tr("Ctrl+I")));
     m_addOutputAction = make(tr("Add &Output File..."), QStringLiteral("addOutputAction"), QKeySequence(tr("Ctrl+E")));
+    m_addChartAction = make(tr("Add &Chart"), QStringLiteral("addChartAction"));
+    m_addChartAction->setToolTip(tr("Create chart."));
+    m_addChartFileAction = make(tr("Add Chart &File..."), QStringLiteral("addChartFileAction"));
+    m_addChartFileAction->setToolTip(tr("Create chart and write to file."));
     m_addNoteAction = make(tr("Add &Note"), QStringLiteral("addNoteAction"));
     m_findTransformAction = make(tr("Find Tran&sform..."), QStringLiteral("findTransformAction"), QKeySequence(tr("Ctrl+T")));
     m_tidyLayoutAction = make(tr("Tidy &Layout"), QStringLiteral("tidyLayoutAction"));
@@ -503,6 +509,20 @@ void MainWindow::createActions()
             m_settings->setValue(QStringLiteral("last_output_folder"), QFileInfo(path).absolutePath());
         m_view->addOutput(path);
     });
+    connect(m_addChartAction, &QAction::triggered, this, [this] { m_view->addChart(); });
+    connect(m_addChartFileAction, &QAction::triggered, this, [this] {
+        QString folder = m_settings ? m_settings->stringValue(QStringLiteral("last_output_folder")) : QString();
+        if (folder.isEmpty() && !m_documentPath.isEmpty())
+            folder = QFileInfo(m_documentPath).absolutePath();
+        const QString proposed = folder.isEmpty() ? tr("Chart.png") : QDir(folder).filePath(tr("Chart.png"));
+        const QString path = FileDialogs::instance()->saveFile(
+            this, tr("Add Chart File"), proposed, tr("Images (*.png *.jpg *.jpeg);;PDF (*.pdf)"));
+        if (path.isEmpty())
+            return;
+        if (m_settings)
+            m_settings->setValue(QStringLiteral("last_output_folder"), QFileInfo(path).absolutePath());
+        m_view->addChart(path);
+    });
     connect(m_addNoteAction, &QAction::triggered, this, [this] { m_view->addNote(); });
     connect(m_findTransformAction, &QAction::triggered, this, [this] {
         m_showTransformPaneAction->setChecked(true);
@@ -650,6 +670,8 @@ void MainWindow::createMenus()
     QMenu *item = menuBar()->addMenu(tr("&Item"));
     item->addAction(m_addInputAction);
     item->addAction(m_addOutputAction);
+    item->addAction(m_addChartAction);
+    item->addAction(m_addChartFileAction);
     item->addAction(m_addNoteAction);
     m_addTransformMenu = item->addMenu(tr("Add &Transform"));
     connect(m_addTransformMenu, &QMenu::aboutToShow, this, [this] {
@@ -1197,7 +1219,8 @@ void MainWindow::updateActions()
     m_revertAction->setEnabled(!m_documentPath.isEmpty() && isDocumentModified() && !running);
     m_undoAction->setEnabled(m_undoStack->canUndo() && !running && !m_reading);
     m_redoAction->setEnabled(m_undoStack->canRedo() && !running && !m_reading);
-    for (QAction *action : {m_addInputAction, m_addOutputAction, m_addNoteAction, m_tidyLayoutAction})
+    for (QAction *action : {m_addInputAction, m_addOutputAction, m_addChartAction, m_addChartFileAction, m_addNoteAction,
+             m_tidyLayoutAction})
         action->setEnabled(!running);
     Node *current = m_view->currentNode();
     auto *io = qobject_cast<IONode *>(current);
@@ -1367,6 +1390,7 @@ void MainWindow::showContextMenu(Node *node, Connection *connection, const QPoin
     } else {
         menu.addAction(tr("Add &Input File..."), m_addInputAction, &QAction::trigger)->setEnabled(!running);
         menu.addAction(tr("Add &Output File..."), m_addOutputAction, &QAction::trigger)->setEnabled(!running);
+        menu.addAction(tr("Add &Chart"), m_addChartAction, &QAction::trigger)->setEnabled(!running);
         const QPointF at = scenePos;
         menu.addAction(tr("Add &Note"), this, [this, at] { m_view->addNote(&at); })->setEnabled(!running);
         menu.addAction(tr("&Paste"), this, [this] { m_view->paste(QApplication::clipboard()->mimeData()); })

@@ -151,7 +151,7 @@ public:
     QAction *m_zoomInAction, *m_zoomOutAction, *m_actualSizeAction, *m_zoomToFitAction, *m_snapToGridAction,
         *m_rowColChangesAction, *m_showAdvancedAction, *m_showTransformPaneAction, *m_fullScreenAction,
         *m_lightThemeAction, *m_darkThemeAction, *m_desktopThemeAction;
-    QAction *m_addInputAction, *m_addOutputAction, *m_addNoteAction, *m_findTransformAction, *m_tidyLayoutAction,
+    QAction *m_addInputAction, *m_addOutputAction, *m_addChartAction, *m_addChartFileAction, *m_addNoteAction, *m_findTransformAction, *m_tidyLayoutAction,
         *m_openFileAction, *m_openFolderAction;
     QAction *m_runChangesAction, *m_runEverythingAction, *m_runSelectedAction, *m_runStopAction, *m_autoRunAction;
     QAction *m_aboutAction;
