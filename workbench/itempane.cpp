@@ -116,6 +116,13 @@ void ItemPane::setCurrentNode(Node *node)
 
 void ItemPane::fitSplitter()
 {
+    // A chart shows its drawing above its options: they take most of the pane.
+    if (qobject_cast<const ChartNode *>(m_node.data()) && m_dataPanel->isVisible()) {
+        const int total = m_splitter->height();
+        if (total > 0)
+            m_splitter->setSizes({total * 70 / 100, total - total * 70 / 100});
+        return;
+    }
     // A transform that needs little room for its options gives the rest to the data.
     const auto *transformNode = qobject_cast<const TransformNode *>(m_node.data());
     if (!transformNode || !transformNode->transform()->hasMinimumOptions() || !m_dataPanel->isVisible())
