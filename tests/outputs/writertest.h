@@ -17,12 +17,12 @@ using DeviceWriter = std::function<bool(const Dataset &, const OutputOptions &, 
 // Keys: types, manual (numbers joined by ","), remove, header, escape, lines, encoding,
 // bom, mode, root, row, above, below, comment, path. Line endings default to LF and the file
 // comment to none, so that expected texts don't depend on the platform or the clock.
-inline OutputOptions options(const QString &spec)
+inline OutputOptions options(const QString &optionText)
 {
     OutputOptions result;
     result.lineEndings = OutputOptions::Lf;
     result.fileComment.clear();
-    for (const QString &item : spec.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    for (const QString &item : optionText.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
         const int equals = item.indexOf(QLatin1Char('='));
         const QString key = item.left(equals);
         const QString value = item.mid(equals + 1);
@@ -109,12 +109,12 @@ inline QByteArray write(const DeviceWriter &writer, const Dataset &table, const 
     return bytes;
 }
 
-inline QString write(const DeviceWriter &writer, const QString &table, const QString &spec,
+inline QString write(const DeviceWriter &writer, const QString &table, const QString &optionText,
     QStringList *warnings = nullptr, QStringList *information = nullptr)
 {
     WriteReport report;
     bool ok = false;
-    const QByteArray bytes = write(writer, writertest::table(table), options(spec), report, ok);
+    const QByteArray bytes = write(writer, writertest::table(table), options(optionText), report, ok);
     if (warnings)
         *warnings = report.warnings;
     if (information)
