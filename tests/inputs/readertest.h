@@ -5,6 +5,7 @@
 #include "inputs/textsource.h"
 
 #include <QBuffer>
+#include <QRandomGenerator>
 #include <QtTest>
 
 // Shared by the reader tests: reading bytes from a buffer, and tables and options written
@@ -80,6 +81,32 @@ bool read(Reader reader, const QByteArray &bytes, const InputOptions &options, D
     buffer.open(QIODevice::ReadOnly);
     TextSource source(&buffer, encoding);
     return reader(source, options, table, report);
+}
+
+// A deterministic mutation of a sample: one to four character flips, cuts, insertions of
+// a piece of the sample and repeated blocks.
+inline QString mutate(const QString &sample, QRandomGenerator &random)
+{
+    QString text = sample;
+    const int steps = 1 + int(random.bounded(4));
+    for (int step = 0; step < steps; ++step) {
+        const int at = text.isEmpty() ? 0 : int(random.bounded(text.size()));
+        switch (random.bounded(4)) {
+        case 0:
+            if (!text.isEmpty())
+                text[at] = QChar(ushort(random.bounded(128)));
+            break;
+        case 1:
+            text.truncate(at);
+            break;
+        case 2:
+            text.insert(at, sample.mid(int(random.bounded(sample.size())), int(random.bounded(20))));
+            break;
+        default:
+            text.insert(at, text.mid(at, int(random.bounded(30))).repeated(1 + int(random.bounded(50))));
+        }
+    }
+    return text;
 }
 
 } // namespace readertest

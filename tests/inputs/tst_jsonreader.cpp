@@ -1,6 +1,6 @@
 #include "inputs/jsonreader.h"
+#include "readertest.h"
 
-#include <QRandomGenerator>
 #include <QtTest>
 
 namespace {
@@ -25,32 +25,6 @@ QString tableText(const Dataset &table)
 QString nested(int depth)
 {
     return QString(depth, QLatin1Char('[')) + QString(depth, QLatin1Char(']'));
-}
-
-// A deterministic mutation of a sample: one to four character flips, cuts, insertions of
-// a piece of the sample and repeated blocks.
-QString mutate(const QString &sample, QRandomGenerator &random)
-{
-    QString text = sample;
-    const int steps = 1 + int(random.bounded(4));
-    for (int step = 0; step < steps; ++step) {
-        const int at = text.isEmpty() ? 0 : int(random.bounded(text.size()));
-        switch (random.bounded(4)) {
-        case 0:
-            if (!text.isEmpty())
-                text[at] = QChar(ushort(random.bounded(128)));
-            break;
-        case 1:
-            text.truncate(at);
-            break;
-        case 2:
-            text.insert(at, sample.mid(int(random.bounded(sample.size())), int(random.bounded(20))));
-            break;
-        default:
-            text.insert(at, text.mid(at, int(random.bounded(30))).repeated(1 + int(random.bounded(50))));
-        }
-    }
-    return text;
 }
 
 } // namespace
@@ -257,7 +231,7 @@ void TestJsonReader::mutations()
 
     QRandomGenerator random(7);
     for (int i = 0; i < 500; ++i) {
-        const QString text = mutate(sample, random);
+        const QString text = readertest::mutate(sample, random);
         InputOptions options;
         options.arraysAsRows = i % 2 == 0;
         options.longOrWide =

@@ -1,6 +1,6 @@
 #include "inputs/vcardreader.h"
+#include "readertest.h"
 
-#include <QRandomGenerator>
 #include <QtTest>
 
 namespace {
@@ -71,32 +71,6 @@ const char *const Version40 = "BEGIN:VCARD\n"
                               "URL:https://example.com/jane\n"
                               "UID:urn:uuid:4fbe8971\n"
                               "END:VCARD\n";
-
-// A deterministic mutation of a sample: one to four character flips, cuts, insertions of
-// a piece of the sample and repeated blocks.
-QString mutate(const QString &sample, QRandomGenerator &random)
-{
-    QString text = sample;
-    const int steps = 1 + int(random.bounded(4));
-    for (int step = 0; step < steps; ++step) {
-        const int at = text.isEmpty() ? 0 : int(random.bounded(text.size()));
-        switch (random.bounded(4)) {
-        case 0:
-            if (!text.isEmpty())
-                text[at] = QChar(ushort(random.bounded(128)));
-            break;
-        case 1:
-            text.truncate(at);
-            break;
-        case 2:
-            text.insert(at, sample.mid(int(random.bounded(sample.size())), int(random.bounded(20))));
-            break;
-        default:
-            text.insert(at, text.mid(at, int(random.bounded(30))).repeated(1 + int(random.bounded(50))));
-        }
-    }
-    return text;
-}
 
 } // namespace
 
@@ -282,7 +256,7 @@ void TestVCardReader::mutations()
 
     QRandomGenerator random(7);
     for (int i = 0; i < 500; ++i) {
-        const QString text = mutate(sample, random);
+        const QString text = readertest::mutate(sample, random);
         InputOptions options;
         options.arraysAsRows = i % 2 == 0;
         options.longOrWide =
