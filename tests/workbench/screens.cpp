@@ -10,11 +10,13 @@
 #include "workbench/graphview.h"
 #include "workbench/mainwindow.h"
 #include "workbench/prompts.h"
+#include "screens.h"
 
 #include <QAction>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QMap>
 #include <QPixmap>
 #include <QTemporaryDir>
 #include <QTextStream>
@@ -22,11 +24,18 @@
 
 #include <cstdio>
 
+namespace screens {
+
 namespace {
-
 QString g_folder;
+} // namespace
 
-void settle(int ms = 300)
+QString folder()
+{
+    return g_folder;
+}
+
+void settle(int ms)
 {
     QElapsedTimer timer;
     timer.start();
@@ -71,7 +80,21 @@ const Transform *prototype(const QString &id)
     return nullptr;
 }
 
-} // namespace
+static QMap<QString, Shots> &registered()
+{
+    static QMap<QString, Shots> sets;
+    return sets;
+}
+
+int add(const char *name, Shots shots)
+{
+    registered().insert(QString::fromLatin1(name), shots);
+    return 0;
+}
+
+} // namespace screens
+
+using namespace screens;
 
 int main(int argc, char **argv)
 {
@@ -79,7 +102,7 @@ int main(int argc, char **argv)
     qputenv("XDG_CONFIG_HOME", home.filePath(QStringLiteral("config")).toUtf8());
     qputenv("XDG_DATA_HOME", home.filePath(QStringLiteral("data")).toUtf8());
     Application application(argc, argv, false);
-    g_folder = qEnvironmentVariable("TABRELLE_SCREENS_DIR", QDir::currentPath());
+    screens::g_folder = qEnvironmentVariable("TABRELLE_SCREENS_DIR", QDir::currentPath());
     QDir().mkpath(g_folder);
 
     // The example is copied so that its outputs don't land in the source tree.
@@ -153,6 +176,13 @@ int main(int argc, char **argv)
     window.openDocument(saved, false);
     waitForRun(window);
     shoot(window, QStringLiteral("08-reopened"));
+
+    // The sets of other screenshot files, by name, each on the reopened example.
+    for (auto it = registered().cbegin(); it != registered().cend(); ++it) {
+        std::printf("-- %s\n", qPrintable(it.key()));
+        it.value()(window, work.path());
+        settle();
+    }
 
     window.close();
     Prompts::setInstance(nullptr);
