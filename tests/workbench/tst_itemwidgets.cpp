@@ -11,7 +11,6 @@
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
 #include "workbench/itempane.h"
-#include "workbench/itemwidgetio.h"
 #include "workbench/itemwidgettransform.h"
 #include "workbench/parametereditor.h"
 
@@ -120,12 +119,6 @@ private slots:
     void typingMergesIntoOneStep();
     void autoRunDelay_data();
     void autoRunDelay();
-    void inputRowsFollowFormat_data();
-    void inputRowsFollowFormat();
-    void inputOptionStep();
-    void outputRowsFollowFileType_data();
-    void outputRowsFollowFileType();
-    void aliasAndComment();
 
 private:
     TransformItemWidget *showTransform();
@@ -414,128 +407,6 @@ void TestItemWidgets::autoRunDelay()
         QVERIFY(widget->isInvalidatePending());
         QTRY_COMPARE_WITH_TIMEOUT(m_transformNode->status(), int(Node::NeedsUpdating), 2000);
     }
-}
-
-void TestItemWidgets::inputRowsFollowFormat_data()
-{
-    QTest::addColumn<int>("format");
-    QTest::addColumn<QStringList>("shown");
-    QTest::addColumn<QStringList>("hidden");
-    QTest::newRow("delimited") << 0 << QStringList {"Delimiter", "Quoting", "Encoding", "File"}
-                               << QStringList {"Sheet", "Columns", "Arrays as rows", "Pasted text"};
-    QTest::newRow("fixed width") << 3 << QStringList {"Columns", "Encoding"}
-                                 << QStringList {"Delimiter", "Sheet"};
-    QTest::newRow("json") << 4 << QStringList {"Arrays as rows"}
-                          << QStringList {"Delimiter", "Repeated values"};
-    QTest::newRow("xml") << 5 << QStringList {"Repeated values"} << QStringList {"Arrays as rows"};
-}
-
-void TestItemWidgets::inputRowsFollowFormat()
-{
-    QFETCH(int, format);
-    QFETCH(QStringList, shown);
-    QFETCH(QStringList, hidden);
-    InputOptions options = m_input->options();
-    options.fileType = format;
-    m_input->setOptions(options);
-    m_pane->setCurrentNode(m_input);
-    auto *widget = qobject_cast<InputItemWidget *>(m_pane->itemWidget());
-    QVERIFY(widget);
-    for (const QString &row : shown)
-        QVERIFY2(widget->isRowShown(row), qPrintable(row));
-    for (const QString &row : hidden)
-        QVERIFY2(!widget->isRowShown(row), qPrintable(row));
-}
-
-void TestItemWidgets::inputOptionStep()
-{
-    m_pane->setCurrentNode(m_input);
-    m_pane->show();
-    auto *widget = qobject_cast<InputItemWidget *>(m_pane->itemWidget());
-    QVERIFY(widget);
-    QComboBox *headers = widget->hasHeaderCombo();
-    headers->setFocus();
-    QTest::keyClick(headers, Qt::Key_Up);
-    const int chosen = headers->currentIndex();
-    QCOMPARE(m_undoStack->count(), 1);
-    QCOMPARE(m_undoStack->text(0), QStringLiteral("'Has header' change"));
-    QCOMPARE(m_input->options().hasHeader, headers->currentIndex());
-    QCOMPARE(m_input->status(), int(Node::NeedsUpdating));
-
-    // Choosing a file sets the format from its extension, in one step.
-    widget->setFile(m_dir->filePath(QStringLiteral("data.json")));
-    QCOMPARE(m_undoStack->count(), 2);
-    QCOMPARE(m_input->options().fileType, 4);
-    QVERIFY(widget->isRowShown(QStringLiteral("Arrays as rows")));
-    // The missing file shows as such.
-    QCOMPARE(widget->fileEdit()->toolTip(), QStringLiteral("File not found"));
-    m_undoStack->undo();
-    QCOMPARE(input()->path(), QString());
-    QCOMPARE(input()->options().hasHeader, chosen);
-}
-
-void TestItemWidgets::outputRowsFollowFileType_data()
-{
-    QTest::addColumn<int>("type");
-    QTest::addColumn<QStringList>("shown");
-    QTest::addColumn<QStringList>("hidden");
-    QTest::newRow("delimited") << 0 << QStringList {"Delimiter", "Line endings", "Write header"}
-                               << QStringList {"Sheet", "Root name", "Types"};
-    QTest::newRow("xlsx") << 1 << QStringList {"Sheet", "Formatting", "Use style template", "Write header"}
-                          << QStringList {"Encoding", "Delimiter"};
-    QTest::newRow("xml") << 5 << QStringList {"Root name", "Row name", "Remove empty", "File comment"}
-                         << QStringList {"Write header", "Delimiter"};
-    QTest::newRow("json") << 4 << QStringList {"Types", "Remove empty"} << QStringList {"Write header"};
-}
-
-void TestItemWidgets::outputRowsFollowFileType()
-{
-    QFETCH(int, type);
-    QFETCH(QStringList, shown);
-    QFETCH(QStringList, hidden);
-    auto *output = new OutputNode;
-    m_scene->addNode(output);
-    OutputOptions options = output->options();
-    options.fileType = type;
-    output->setOptions(options);
-    m_pane->setCurrentNode(output);
-    auto *widget = qobject_cast<OutputItemWidget *>(m_pane->itemWidget());
-    QVERIFY(widget);
-    for (const QString &row : shown)
-        QVERIFY2(widget->isRowShown(row), qPrintable(row));
-    for (const QString &row : hidden)
-        QVERIFY2(!widget->isRowShown(row), qPrintable(row));
-}
-
-void TestItemWidgets::aliasAndComment()
-{
-    m_pane->setCurrentNode(m_input);
-    m_pane->show();
-    QLineEdit *aliasEdit = nullptr;
-    for (QLineEdit *edit : m_pane->itemWidget()->findChildren<QLineEdit *>()) {
-        if (edit->accessibleName() == QLatin1String("Alias"))
-            aliasEdit = edit;
-    }
-    QVERIFY(aliasEdit);
-    aliasEdit->setText(QStringLiteral("  sales  "));
-    emit aliasEdit->editingFinished();
-    QCOMPARE(m_input->alias(), QStringLiteral("sales"));
-    QCOMPARE(m_undoStack->text(m_undoStack->count() - 1), QStringLiteral("alias change"));
-
-    QPlainTextEdit *comment = nullptr;
-    for (QPlainTextEdit *edit : m_pane->itemWidget()->findChildren<QPlainTextEdit *>()) {
-        if (edit->accessibleName() == QLatin1String("Comment"))
-            comment = edit;
-    }
-    QVERIFY(comment);
-    const int steps = m_undoStack->count();
-    comment->setFocus();
-    QTest::keyClicks(comment, QStringLiteral("note"));
-    QCOMPARE(m_input->comment(), QStringLiteral("note"));
-    QCOMPARE(m_undoStack->count(), steps + 1);
-    QCOMPARE(m_undoStack->text(steps), QStringLiteral("comment change"));
-    m_undoStack->undo();
-    QCOMPARE(input()->comment(), QString());
 }
 
 int main(int argc, char **argv)
