@@ -1,6 +1,7 @@
 #include "workbench/itempane.h"
 
 #include "charts/chartnode.h"
+#include "charts/chartwidget.h"
 #include "flow/graphscene.h"
 #include "flow/node.h"
 #include "flow/notenode.h"
@@ -14,16 +15,51 @@
 #include "workbench/itemwidgetio.h"
 #include "workbench/itemwidgetnote.h"
 #include "workbench/itemwidgettransform.h"
+#include "workbench/prompts.h"
 #include "workbench/undo.h"
 
+#include <QApplication>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QTabWidget>
 #include <QUndoStack>
 #include <QVBoxLayout>
+
+namespace {
+
+// The panes of every window; the write pipeline's question goes to the active one.
+QList<ItemPane *> &panes()
+{
+    static QList<ItemPane *> list;
+    return list;
+}
+
+// Asks before an output writes many files, as a question with "OK" and "Cancel".
+bool confirmMultiFileOutput(const QString &title, const QString &text)
+{
+    QWidget *parent = QApplication::activeWindow();
+    if (!parent && !panes().isEmpty())
+        parent = panes().constLast()->window();
+    return Prompts::instance()->ask(parent, title, text, QString(), {ItemPane::tr("OK"), ItemPane::tr("Cancel")}, 0, 1)
+        == 0;
+}
+
+} // namespace
+
+ItemPane::~ItemPane()
+{
+    panes().removeAll(this);
+    if (panes().isEmpty())
+        OutputNode::setConfirmation(OutputNode::Confirmation());
+}
 
 ItemPane::ItemPane(QWidget *parent)
     : QWidget(parent)
 {
+    // Runs from a window are interactive: an output writing many files asks first.
+    panes().append(this);
+    OutputNode::setConfirmation(&confirmMultiFileOutput);
+
     setMinimumWidth(320);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -31,9 +67,13 @@ ItemPane::ItemPane(QWidget *parent)
     m_splitter->setObjectName(QStringLiteral("m_itemSplitter"));
     m_splitter->setChildrenCollapsible(false);
     m_stack = new QStackedWidget(m_splitter);
-    m_dataPanel = new DataPanel(m_splitter);
+    m_dataTabs = new QTabWidget(m_splitter);
+    m_dataTabs->setDocumentMode(true);
+    m_dataTabs->setTabBarAutoHide(true);
+    m_dataPanel = new DataPanel(m_dataTabs);
+    m_dataTabs->addTab(m_dataPanel, tr("Data"));
     m_splitter->addWidget(m_stack);
-    m_splitter->addWidget(m_dataPanel);
+    m_splitter->addWidget(m_dataTabs);
     m_splitter->setStretchFactor(0, 45);
     m_splitter->setStretchFactor(1, 55);
     layout->addWidget(m_splitter);
@@ -109,23 +149,40 @@ void ItemPane::setCurrentNode(Node *node)
         connect(node, &QObject::destroyed, this, [this] { setCurrentNode(nullptr); });
     }
     const bool notes = node && !m_itemWidget->showsData();
-    m_dataPanel->setVisible(!notes);
+    m_dataTabs->setVisible(!notes);
     m_dataPanel->setNode(node, m_scene);
+    // A chart shows its drawing first, its input's table on the second tab.
+    auto *chart = qobject_cast<ChartNode *>(node);
+    if (m_chartView && (!chart || m_chartView->node() != chart)) {
+        m_dataTabs->removeTab(m_dataTabs->indexOf(m_chartView));
+        delete m_chartView;
+        m_chartView = nullptr;
+    }
+    if (chart && !m_chartView) {
+        m_chartView = new ChartWidget(m_dataTabs);
+        m_chartView->setObjectName(QStringLiteral("m_chartView"));
+        m_chartView->setAccessibleName(tr("Chart"));
+        m_chartView->setNode(chart, true);
+        m_dataTabs->insertTab(0, m_chartView, tr("Chart"));
+        m_dataTabs->setCurrentIndex(0);
+    }
     fitSplitter();
 }
 
 void ItemPane::fitSplitter()
 {
-    // A chart shows its drawing above its options: they take most of the pane.
-    if (qobject_cast<const ChartNode *>(m_node.data()) && m_dataPanel->isVisible()) {
+    // A chart's options take at most half the pane: the drawing below needs room.
+    if (qobject_cast<const ChartNode *>(m_node.data()) && !m_dataTabs->isHidden()) {
         const int total = m_splitter->height();
-        if (total > 0)
-            m_splitter->setSizes({total * 70 / 100, total - total * 70 / 100});
+        if (total > 0) {
+            const int options = qMin(m_itemWidget->fullHeightHint(), total / 2);
+            m_splitter->setSizes({options, total - options});
+        }
         return;
     }
     // A transform that needs little room for its options gives the rest to the data.
     const auto *transformNode = qobject_cast<const TransformNode *>(m_node.data());
-    if (!transformNode || !transformNode->transform()->hasMinimumOptions() || !m_dataPanel->isVisible())
+    if (!transformNode || !transformNode->transform()->hasMinimumOptions() || m_dataTabs->isHidden())
         return;
     const int total = m_splitter->height();
     if (total <= 0)

@@ -6,7 +6,9 @@
 #include <QPointer>
 #include <QWidget>
 
+class ChartWidget;
 class DataPanel;
+class QTabWidget;
 
 class ItemWidget;
 
@@ -22,6 +24,7 @@ class ItemPane : public QWidget
     Q_OBJECT
 public:
     explicit ItemPane(QWidget *parent = nullptr);
+    ~ItemPane() override;
 
     // The document's scene and undo stack; edits made in the pane are steps on it.
     void setScene(GraphScene *scene, QUndoStack *undoStack);
@@ -39,6 +42,11 @@ public:
 
     ItemWidget *itemWidget() const { return m_itemWidget; }
     DataPanel *dataPanel() const { return m_dataPanel; }
+    // Below a chart's options: the "Chart" tab with its drawing and the "Data" tab with
+    // the table. Other items show the table alone.
+    QTabWidget *dataTabs() const { return m_dataTabs; }
+    // The drawing of the current chart; nullptr for other items.
+    ChartWidget *chartView() const { return m_chartView; }
     QSplitter *splitter() const { return m_splitter; }
 
 signals:
@@ -65,4 +73,6 @@ private:
     QStackedWidget *m_stack;
     ItemWidget *m_itemWidget = nullptr;
     DataPanel *m_dataPanel;
+    QTabWidget *m_dataTabs;
+    ChartWidget *m_chartView = nullptr;
 };

@@ -3,6 +3,7 @@
 #include "core/settings.h"
 #include "flow/graphscene.h"
 #include "flow/node.h"
+#include "workbench/prompts.h"
 #include "workbench/undo.h"
 
 #include <QAbstractSpinBox>
@@ -148,10 +149,6 @@ ItemWidget::ItemWidget(Node *node, GraphScene *scene, QUndoStack *undoStack, QWi
     m_descriptionLabel = new QLabel(content);
     m_descriptionLabel->setWordWrap(true);
     m_descriptionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    QPalette secondary = m_descriptionLabel->palette();
-    secondary.setColor(
-        QPalette::WindowText, isDark(this) ? QColor(0xA8, 0xA8, 0xA8) : QColor(0x66, 0x66, 0x66));
-    m_descriptionLabel->setPalette(secondary);
     contentLayout->addWidget(m_descriptionLabel);
 
     m_hintLabel = new QLabel(content);
@@ -283,7 +280,7 @@ void ItemWidget::buildHeader(QVBoxLayout *layout)
     header->addWidget(m_helpButton);
     header->addWidget(m_menuButton);
     layout->addLayout(header);
-    connect(m_helpButton, &QToolButton::clicked, this, [this] { emit helpRequested(helpTopic()); });
+    connect(m_helpButton, &QToolButton::clicked, this, &ItemWidget::showHelp);
     connect(m_nameEdit, &QLineEdit::editingFinished, this, &ItemWidget::onNameEdited);
 }
 
@@ -295,6 +292,11 @@ QString ItemWidget::displayName() const
 QString ItemWidget::helpTopic() const
 {
     return m_node ? m_node->typeName() : QStringLiteral("Flow");
+}
+
+QColor ItemWidget::secondaryColour(bool dark)
+{
+    return dark ? QColor(0xA8, 0xA8, 0xA8) : QColor(0x66, 0x66, 0x66);
 }
 
 QColor ItemWidget::statusColour(int status, bool dark)
@@ -376,10 +378,18 @@ void ItemWidget::refreshMessages()
     m_hintLabel->setText(hint);
     m_hintLabel->setVisible(!hint.isEmpty());
 
-    QString html;
+    QPalette secondary = m_descriptionLabel->palette();
+    secondary.setColor(QPalette::WindowText, secondaryColour(isDark(this)));
+    m_descriptionLabel->setPalette(secondary);
+
+    // The result in bold, then the warnings: the first three and a link to the rest. An
+    // item in error shows every warning, before the result, since they say what went wrong.
+    QString resultHtml;
     const QString result = resultText();
     if (!result.isEmpty())
-        html += QStringLiteral("<p><b>%1</b></p>").arg(tr("Result: %1").arg(result).toHtmlEscaped());
+        resultHtml = QStringLiteral("<p style=\"margin:0 0 4px 0\"><b>%1</b>%2</p>")
+                         .arg(tr("Result: ").toHtmlEscaped(), result.toHtmlEscaped());
+    QString warningsHtml;
     const QStringList warnings = m_node ? m_node->warnings() : QStringList();
     const bool error = m_node && m_node->status() == Node::Error;
     const int shown = (m_showAllWarnings || error) ? warnings.size() : qMin(WarningsShown, warnings.size());
@@ -387,12 +397,13 @@ void ItemWidget::refreshMessages()
     for (int i = 0; i < shown; ++i) {
         QString text = warnings.at(i).toHtmlEscaped();
         text.replace(QLatin1Char('\n'), QLatin1String("<br>"));
-        html += QStringLiteral("<p style=\"margin:0\"><span style=\"color:%1\">⚠</span> %2</p>")
-                    .arg(colour, text);
+        warningsHtml += QStringLiteral("<p style=\"margin:0\"><span style=\"color:%1\">⚠</span> %2</p>")
+                            .arg(colour, text);
     }
     if (shown < warnings.size())
-        html += QStringLiteral("<p><a href=\"#warnings\">%1</a></p>")
-                    .arg(tr("Show all %1 warnings").arg(warnings.size()));
+        warningsHtml += QStringLiteral("<p style=\"margin:2px 0 0 0\"><a href=\"#warnings\" style=\"color:%1\">%2</a></p>")
+                            .arg(palette().color(QPalette::Link).name(), tr("Show all %1 warnings").arg(warnings.size()));
+    const QString html = error ? warningsHtml + resultHtml : resultHtml + warningsHtml;
     m_messagesLabel->setText(html);
     m_messagesLabel->setVisible(!html.isEmpty());
 
@@ -536,6 +547,41 @@ void ItemWidget::onFocusChanged(QWidget *old, QWidget *now)
     // Leaving a field whose typing is waiting for the delay applies it at once.
     if (old && m_invalidateTimer->isActive() && isAncestorOf(old))
         invalidateNow();
+}
+
+void ItemWidget::showHelp()
+{
+    const QString topic = helpTopic();
+    emit helpRequested(topic);
+}
+
+bool ItemWidget::offerToForgetDefaults(const QString &group, const QString &typeName)
+{
+    Settings *settings = m_scene ? m_scene->settings() : nullptr;
+    if (!settings)
+        return false;
+    QStringList keys = settings->childKeys(group);
+    // The choice of long or wide repeated values is a setting of every input, not a default.
+    keys.removeAll(QStringLiteral("long_or_wide"));
+    if (keys.isEmpty())
+        return false;
+    const int answer = Prompts::instance()->ask(this, tr("Reset to Factory Options"),
+        tr("Also forget the saved defaults for %1?").arg(typeName), QString(), {tr("Forget"), tr("Keep")}, 1, 1);
+    if (answer != 0)
+        return false;
+    for (const QString &key : qAsConst(keys))
+        settings->remove(group + QLatin1Char('/') + key);
+    return true;
+}
+
+void ItemWidget::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    // A theme change: the status, secondary and warning colours follow the new palette.
+    if (m_detailsTable && (event->type() == QEvent::PaletteChange || event->type() == QEvent::StyleChange)) {
+        refreshHeader();
+        refreshMessages();
+    }
 }
 
 void ItemWidget::onNameEdited()

@@ -109,6 +109,11 @@ public:
 
     // The colour of a status, for the current theme.
     static QColor statusColour(int status, bool dark);
+    // The colour of descriptions and other secondary text.
+    static QColor secondaryColour(bool dark);
+
+    // Opens the help page of helpTopic(), as the "?" button does.
+    void showHelp();
 
 signals:
     // A help page was asked for: a transform id or an item type name.
@@ -136,6 +141,10 @@ protected:
     void setRowEnabled(int row, bool enabled);
 
     bool eventFilter(QObject *watched, QEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    // After "Reset to Factory Options": when defaults are saved under group, asks "Also
+    // forget the saved defaults for %1?" and removes them on "Forget". True when removed.
+    bool offerToForgetDefaults(const QString &group, const QString &typeName);
 
 private slots:
     void onNameEdited();
@@ -176,7 +185,7 @@ private:
     QLabel *m_aliasLabel;
     QLineEdit *m_aliasEdit;
     QPlainTextEdit *m_commentEdit;
-    QTableWidget *m_detailsTable;
+    QTableWidget *m_detailsTable = nullptr; // made last: set once the widget is built
     QTimer *m_invalidateTimer;
     QList<QList<QWidget *>> m_rows;
 };

@@ -5,10 +5,13 @@
 #include "flow/graphscene.h"
 #include "inputs/delimitedreader.h"
 #include "inputs/excelsheet.h"
+#include "inputs/inputdocument.h"
 #include "inputs/inputnode.h"
 #include "inputs/xlsreader.h"
 #include "inputs/xlsxreader.h"
 #include "outputs/outputnode.h"
+#include "workbench/optiondialogs.h"
+#include "workbench/prompts.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -19,6 +22,7 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontDatabase>
@@ -31,7 +35,9 @@
 #include <QRadioButton>
 #include <QSaveFile>
 #include <QSet>
+#include <QRegularExpression>
 #include <QSpinBox>
+#include <QTextStream>
 #include <QTextCodec>
 #include <QToolButton>
 #include <QUrl>
@@ -90,10 +96,10 @@ QComboBox *makeDelimiterCombo(QWidget *parent)
     return combo;
 }
 
-QToolButton *variablesButton(QWidget *parent, QLineEdit *target)
+QToolButton *variablesButton(QWidget *parent, QLineEdit *target, const QString &text = QStringLiteral("{…}"))
 {
     auto *button = new QToolButton(parent);
-    button->setText(QStringLiteral("{…}"));
+    button->setText(text);
     button->setToolTip(ItemWidget::tr("Insert a variable"));
     button->setAccessibleName(button->toolTip());
     button->setPopupMode(QToolButton::InstantPopup);
@@ -231,7 +237,10 @@ InputItemWidget::InputItemWidget(InputNode *node, GraphScene *scene, QUndoStack 
     m_widthsEdit = new QLineEdit(form);
     m_widthsEdit->setPlaceholderText(tr("Widths, such as 10, 8, 12"));
     m_widthsEdit->setAccessibleName(tr("Column widths"));
-    row(QStringLiteral("Columns"), pair(form, m_columnsCombo, m_widthsEdit));
+    auto *editWidths = new QPushButton(tr("Edit &Widths..."), form);
+    editWidths->setToolTip(tr("Set the column boundaries on the file's first lines."));
+    row(QStringLiteral("Columns"), pair(form, m_columnsCombo, m_widthsEdit, editWidths));
+    m_columnsCombo->setAccessibleName(tr("Columns"));
 
     m_encodingCombo = makeCombo(form);
     fillEncodings(m_encodingCombo, true);
@@ -272,12 +281,21 @@ InputItemWidget::InputItemWidget(InputNode *node, GraphScene *scene, QUndoStack 
     row(QStringLiteral("Meta information"), m_metaCombo);
     m_metaTextEdit = new QLineEdit(form);
     m_metaTextEdit->setAccessibleName(tr("Meta information text"));
-    row(QStringLiteral("Meta text"), pair(form, m_metaTextEdit, variablesButton(form, m_metaTextEdit)));
+    row(QStringLiteral("Meta text"),
+        pair(form, m_metaTextEdit, variablesButton(form, m_metaTextEdit, tr("Insert ▾"))));
     m_metaColumnEdit = new QLineEdit(form);
     row(QStringLiteral("Column name"), m_metaColumnEdit);
 
     m_schemaCheck = new QCheckBox(tr("Uses schema"), form);
-    row(QStringLiteral("Uses schema"), m_schemaCheck);
+    auto *schemaButton = new QPushButton(tr("&Schema..."), form);
+    schemaButton->setToolTip(tr("The columns this input should have, and what to do when they differ."));
+    auto *schemaRow = new QWidget(form);
+    auto *schemaLayout = new QHBoxLayout(schemaRow);
+    schemaLayout->setContentsMargins(0, 0, 0, 0);
+    schemaLayout->addWidget(m_schemaCheck);
+    schemaLayout->addWidget(schemaButton);
+    schemaLayout->addStretch(1);
+    row(QStringLiteral("Uses schema"), schemaRow);
     m_watchCheck = new QCheckBox(tr("Watch file for changes"), form);
     m_watchCheck->setToolTip(tr("Re-read the file 5 seconds after it changes."));
     row(QStringLiteral("Watch"), m_watchCheck);
@@ -329,7 +347,7 @@ InputItemWidget::InputItemWidget(InputNode *node, GraphScene *scene, QUndoStack 
         const QString start = inputNode() && !inputNode()->path().isEmpty()
             ? QFileInfo(inputNode()->path()).absolutePath()
             : QString();
-        const QString path = QFileDialog::getOpenFileName(this, tr("Input File"), start,
+        const QString path = FileDialogs::instance()->openFile(this, tr("Input File"), start,
             tr("Data files (*.csv *.tsv *.txt *.log *.xlsx *.xlsm *.xls *.json *.geojson *.xml *.opml "
                "*.vcf);;All files (*)"));
         if (!path.isEmpty())
@@ -387,8 +405,8 @@ InputItemWidget::InputItemWidget(InputNode *node, GraphScene *scene, QUndoStack 
         InputNode *input = inputNode();
         if (!input)
             return;
-        const QString path =
-            QFileDialog::getSaveFileName(this, tr("Save as File"), QStringLiteral("Pasted.csv"));
+        const QString path = FileDialogs::instance()->saveFile(
+            this, tr("Save as File"), QStringLiteral("Pasted.csv"), tr("Text files (*.csv *.txt);;All files (*)"));
         if (path.isEmpty())
             return;
         QSaveFile file(path);
@@ -498,6 +516,8 @@ InputItemWidget::InputItemWidget(InputNode *node, GraphScene *scene, QUndoStack 
         [change](bool on) { change(tr("Uses schema"), [on](InputOptions &o) { o.usesSchema = on; }); });
     connect(m_watchCheck, &QCheckBox::toggled, this,
         [change](bool on) { change(tr("Watch file for changes"), [on](InputOptions &o) { o.watch = on; }); });
+    connect(editWidths, &QPushButton::clicked, this, &InputItemWidget::editWidths);
+    connect(schemaButton, &QPushButton::clicked, this, &InputItemWidget::editSchema);
     connect(reload, &QPushButton::clicked, this, [this] {
         if (!inputNode() || !this->scene() || this->scene()->isRunning())
             return;
@@ -510,7 +530,7 @@ int InputItemWidget::row(const QString &label, QWidget *widget)
 {
     // Check boxes carry their own text; other rows show "label:" beside the widget.
     const bool ownLabel = qobject_cast<QCheckBox *>(widget) || label == QLatin1String("Reload")
-        || label == QLatin1String("Meta text");
+        || label == QLatin1String("Meta text") || label == QLatin1String("Uses schema");
     const int index = addFormRow(ownLabel ? QString() : tr(label.toUtf8().constData()), widget);
     m_rowByLabel.insert(label, index);
     return index;
@@ -526,15 +546,14 @@ InputNode *InputItemWidget::inputNode() const
     return qobject_cast<InputNode *>(node());
 }
 
-void InputItemWidget::applyOptions(const QString &label, const InputOptions &options, bool burst)
+void InputItemWidget::applyOptions(const QString &label, const InputOptions &options, bool burst, int mergeId)
 {
     InputNode *input = inputNode();
     if (!input || isRunning())
         return;
     recordEdit(
         tr("'%1' change").arg(label),
-        [options](Node *node) { qobject_cast<InputNode *>(node)->setOptions(options); },
-        ItemEditCommand::OptionMerge, label);
+        [options](Node *node) { qobject_cast<InputNode *>(node)->setOptions(options); }, mergeId, label);
     updateRows(options);
     if (burst)
         startInvalidateTimer();
@@ -694,7 +713,83 @@ void InputItemWidget::restoreDefaults(bool factoryOnly)
     options.fileType = current.fileType;
     recordEdit(tr("restore defaults"),
         [options](Node *node) { qobject_cast<InputNode *>(node)->setOptions(options); });
+    if (factoryOnly)
+        offerToForgetDefaults(QStringLiteral("defaults/inputs"), input->displayTypeName());
     updateFromNode();
+    invalidateNow();
+}
+
+QStringList InputItemWidget::sampleLines() const
+{
+    const InputNode *input = inputNode();
+    if (!input)
+        return QStringList();
+    QStringList lines;
+    if (input->options().source == InputOptions::Clipboard) {
+        lines = input->text().split(QRegularExpression(QStringLiteral("\r\n|\r|\n")));
+    } else if (!input->sampleLines().isEmpty()) {
+        lines = input->sampleLines();
+        // The reader's sample ends with a count of the rows not shown.
+        if (!lines.isEmpty() && lines.last().startsWith(QLatin1String("(+")))
+            lines.removeLast();
+    } else {
+        QFile file(input->path());
+        if (file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+            QTextStream stream(&file);
+            while (lines.size() < 50 && !stream.atEnd())
+                lines << stream.readLine();
+        }
+    }
+    return lines.mid(0, 50);
+}
+
+void InputItemWidget::editWidths()
+{
+    InputNode *input = inputNode();
+    if (!input || isRunning())
+        return;
+    FixedWidthsDialog dialog(sampleLines(), input->options().columnWidths, this);
+    if (runOptionDialog(&dialog) != QDialog::Accepted || !inputNode())
+        return;
+    InputOptions options = inputNode()->options();
+    const QList<int> widths = dialog.widths();
+    if (widths == options.columnWidths && options.fixedWidthColumns == 0)
+        return;
+    options.columnWidths = widths;
+    options.fixedWidthColumns = 0;
+    applyOptions(tr("Columns"), options, false, ItemEditCommand::NoMerge);
+    updateFromNode();
+}
+
+void InputItemWidget::editSchema()
+{
+    InputNode *input = inputNode();
+    if (!input || isRunning())
+        return;
+    const InputSchemaSettings stored = InputDocument::schemaSettings(*input);
+    SchemaDialog::Schema before;
+    before.columnNames = stored.columnNames;
+    before.missingValues = stored.missingValues;
+    before.missingColumns = stored.missingColumns;
+    before.reorderColumns = stored.reorderColumns;
+    before.extraColumns = stored.extraColumns;
+    const QStringList columns = input->dataset().hasColumns() ? input->dataset().displayHeaders() : QStringList();
+    SchemaDialog dialog(before, columns, this);
+    if (runOptionDialog(&dialog) != QDialog::Accepted || !inputNode())
+        return;
+    const SchemaDialog::Schema after = dialog.schema();
+    if (after == before)
+        return;
+    InputSchemaSettings settings;
+    settings.columnNames = after.columnNames;
+    settings.missingValues = after.missingValues;
+    settings.missingColumns = after.missingColumns;
+    settings.reorderColumns = after.reorderColumns;
+    settings.extraColumns = after.extraColumns;
+    recordEdit(tr("'%1' change").arg(tr("Schema")), [settings](Node *node) {
+        if (auto *in = qobject_cast<InputNode *>(node))
+            InputDocument::setSchemaSettings(*in, settings);
+    });
     invalidateNow();
 }
 
@@ -711,8 +806,10 @@ OutputItemWidget::OutputItemWidget(
 
     m_fileEdit = new QLineEdit(form);
     m_fileEdit->setAccessibleName(tr("File"));
+    m_fileEdit->setToolTip(tr("File name variables such as {date} are replaced when the file is written."));
+    QToolButton *variables = variablesButton(form, m_fileEdit);
     auto *browse = new QPushButton(tr("Browse..."), form);
-    row(QStringLiteral("File"), pair(form, m_fileEdit, variablesButton(form, m_fileEdit), browse));
+    row(QStringLiteral("File"), pair(form, m_fileEdit, variables, browse));
 
     m_filesColumnCombo = makeCombo(form);
     row(QStringLiteral("Files column"), m_filesColumnCombo);
@@ -768,9 +865,15 @@ OutputItemWidget::OutputItemWidget(
     m_bomCheck = new QCheckBox(tr("Byte Order Mark"), form);
     row(QStringLiteral("Byte Order Mark"), m_bomCheck);
     m_typesCombo = makeCombo(form, {tr("Automatic"), tr("All text"), tr("Manual")});
-    row(QStringLiteral("Types"), m_typesCombo);
+    m_typesCombo->setAccessibleName(tr("Types"));
+    m_typesButton = new QPushButton(tr("Column &Types..."), form);
+    m_typesButton->setToolTip(tr("Choose the type written for each column."));
+    row(QStringLiteral("Types"), pair(form, m_typesCombo, m_typesButton));
     m_formattingCombo = makeCombo(form, {tr("Automatic"), tr("All text"), tr("Manual")});
-    row(QStringLiteral("Formatting"), m_formattingCombo);
+    m_formattingCombo->setAccessibleName(tr("Formatting"));
+    m_formatsButton = new QPushButton(tr("Column &Formats..."), form);
+    m_formatsButton->setToolTip(tr("Choose the cell format written for each column."));
+    row(QStringLiteral("Formatting"), pair(form, m_formattingCombo, m_formatsButton));
     m_templateCheck = new QCheckBox(tr("Use style template"), form);
     m_templateEdit = new QLineEdit(form);
     m_templateEdit->setAccessibleName(tr("Style template"));
@@ -826,7 +929,7 @@ OutputItemWidget::OutputItemWidget(
         QString start = outputNode() ? outputNode()->path() : QString();
         if (start.isEmpty())
             start = QStringLiteral("Output.csv");
-        const QString path = QFileDialog::getSaveFileName(this, tr("Output File"), start);
+        const QString path = FileDialogs::instance()->saveFile(this, tr("Output File"), start, QString());
         if (!path.isEmpty())
             setFile(path);
     });
@@ -843,10 +946,10 @@ OutputItemWidget::OutputItemWidget(
     connect(m_replaceSheetCheck, &QCheckBox::toggled, this, [change](bool on) {
         change(tr("Replace only this sheet"), [on](OutputOptions &o) { o.replaceOnlyThisSheet = on; });
     });
-    connect(m_fileTypeCombo, QOverload<int>::of(&QComboBox::activated), this, [this, change] {
-        const int type = m_fileTypeCombo->currentData().toInt();
-        change(tr("File type"), [type](OutputOptions &o) { o.fileType = type; });
-    });
+    connect(m_fileTypeCombo, QOverload<int>::of(&QComboBox::activated), this,
+        [this] { setFileType(m_fileTypeCombo->currentData().toInt()); });
+    connect(m_typesButton, &QPushButton::clicked, this, &OutputItemWidget::editColumnTypes);
+    connect(m_formatsButton, &QPushButton::clicked, this, &OutputItemWidget::editColumnFormats);
     connect(m_writeModeCombo, QOverload<int>::of(&QComboBox::activated), this, [change](int index) {
         change(tr("Write mode"), [index](OutputOptions &o) { o.writeMode = index; });
     });
@@ -960,15 +1063,14 @@ QString OutputItemWidget::connectionHint() const
     return tr("Connect %1 to this item.").arg(tr("1 Input/Transform item"));
 }
 
-void OutputItemWidget::applyOptions(const QString &label, const OutputOptions &options, bool burst)
+void OutputItemWidget::applyOptions(const QString &label, const OutputOptions &options, bool burst, int mergeId)
 {
     OutputNode *output = outputNode();
     if (!output || isRunning())
         return;
     recordEdit(
         tr("'%1' change").arg(label),
-        [options](Node *node) { qobject_cast<OutputNode *>(node)->setOptions(options); },
-        ItemEditCommand::OptionMerge, label);
+        [options](Node *node) { qobject_cast<OutputNode *>(node)->setOptions(options); }, mergeId, label);
     updateRows(options);
     if (burst)
         startInvalidateTimer();
@@ -988,6 +1090,67 @@ void OutputItemWidget::setFile(const QString &path)
         options.fileType = type;
     applyOptions(tr("File"), options);
     updateFromNode();
+}
+
+void OutputItemWidget::setFileType(int type)
+{
+    OutputNode *output = outputNode();
+    if (!output || isRunning())
+        return;
+    OutputOptions options = output->options();
+    if (options.fileType == type)
+        return;
+    options.fileType = type;
+    // A name whose extension says another type is offered the type's own extension.
+    const QFileInfo info(options.path);
+    const int named = info.suffix().isEmpty() ? 11 : FileFormat::forExtension(info.suffix());
+    const QString extension = FileFormat::defaultExtension(type);
+    if (options.outputTo == OutputOptions::SingleFile && named != 11 && named != type && !extension.isEmpty()
+        && Prompts::instance()->ask(this, tr("File type"), tr("Change file extension to '%1'?").arg(extension),
+               QString(), {tr("&Yes"), tr("&No")}, 0, 1)
+            == 0) {
+        const QString path = options.path;
+        options.path = path.left(path.size() - info.suffix().size()) + extension;
+    }
+    applyOptions(tr("File type"), options, false, ItemEditCommand::NoMerge);
+    updateFromNode();
+}
+
+QStringList OutputItemWidget::upstreamColumns() const
+{
+    const OutputNode *output = outputNode();
+    const Node *upstream = output ? output->upstream(false).value(0) : nullptr;
+    return upstream && upstream->dataset().hasColumns() ? upstream->dataset().displayHeaders() : QStringList();
+}
+
+void OutputItemWidget::editColumnTypes()
+{
+    if (!outputNode() || isRunning())
+        return;
+    ColumnTypesDialog dialog(upstreamColumns(), outputNode()->options().jsonManualColumnTypes, this);
+    if (runOptionDialog(&dialog) != QDialog::Accepted || !outputNode())
+        return;
+    OutputOptions options = outputNode()->options();
+    const QList<int> types = dialog.values();
+    if (types == options.jsonManualColumnTypes)
+        return;
+    options.jsonManualColumnTypes = types;
+    applyOptions(tr("Types"), options, false, ItemEditCommand::NoMerge);
+}
+
+void OutputItemWidget::editColumnFormats()
+{
+    if (!outputNode() || isRunning())
+        return;
+    ColumnFormatsDialog dialog(upstreamColumns(), outputNode()->options().excelManualColumnFormats, this);
+    if (runOptionDialog(&dialog) != QDialog::Accepted || !outputNode())
+        return;
+    OutputOptions options = outputNode()->options();
+    const QList<int> formats = dialog.values();
+    if (formats == options.excelManualColumnFormats)
+        return;
+    options.excelManualColumnFormats = formats;
+    applyOptions(tr("Formatting"), options, false, ItemEditCommand::NoMerge);
 }
 
 void OutputItemWidget::updateRows(const OutputOptions &options)
@@ -1023,6 +1186,8 @@ void OutputItemWidget::updateRows(const OutputOptions &options)
     m_headerIfEmptyCheck->setEnabled(options.writeMode == OutputOptions::Append && options.writeHeader);
     m_customDelimiterEdit->setEnabled(options.delimiter == 8);
     m_bomCheck->setEnabled(options.encoding.contains(QLatin1String("utf"), Qt::CaseInsensitive));
+    m_typesButton->setEnabled(options.jsonTypes == OutputOptions::TypesManual);
+    m_formatsButton->setEnabled(options.excelFormatting == OutputOptions::TypesManual);
     m_templateEdit->setEnabled(options.useStyleTemplate);
     // The file last written, with its variables expanded, else the path as typed.
     const QString written =
@@ -1110,6 +1275,8 @@ void OutputItemWidget::restoreDefaults(bool factoryOnly)
     output->setOptions(current);
     recordEdit(tr("restore defaults"),
         [options](Node *node) { qobject_cast<OutputNode *>(node)->setOptions(options); });
+    if (factoryOnly)
+        offerToForgetDefaults(QStringLiteral("defaults/outputs"), output->displayTypeName());
     updateFromNode();
     invalidateNow();
 }

@@ -48,6 +48,11 @@ public:
 
     // Sets the file, and the format from its extension when that names one.
     void setFile(const QString &path);
+    // "Edit Widths..." and "Schema...": each dialog's OK is one undo step.
+    void editWidths();
+    void editSchema();
+    // The lines the widths dialog shows: the pasted text's or the file's first 50.
+    QStringList sampleLines() const;
 
 protected:
     void updateFromNode() override;
@@ -57,7 +62,8 @@ protected:
 private:
     InputNode *inputNode() const;
     // One step "'label' change": the node takes options (and text, for pasted text).
-    void applyOptions(const QString &label, const InputOptions &options, bool burst = false);
+    void applyOptions(const QString &label, const InputOptions &options, bool burst = false,
+        int mergeId = ItemEditCommand::OptionMerge);
     void updateRows(const InputOptions &options);
     void updateSheets();
     int row(const QString &label, QWidget *widget);
@@ -109,6 +115,12 @@ public:
     QLineEdit *fileEdit() const { return m_fileEdit; }
     bool isRowShown(const QString &label) const;
     void setFile(const QString &path);
+    // Sets the file type; when the file's extension names another type, asks "Change file
+    // extension to '%1'?" and on Yes changes the extension in the same step.
+    void setFileType(int type);
+    // "Column Types..." (JSON, YAML) and "Column Formats..." (Excel) on the upstream columns.
+    void editColumnTypes();
+    void editColumnFormats();
 
 protected:
     void updateFromNode() override;
@@ -119,7 +131,9 @@ protected:
 private:
     OutputNode *outputNode() const;
     QString writtenPath() const;
-    void applyOptions(const QString &label, const OutputOptions &options, bool burst = false);
+    void applyOptions(const QString &label, const OutputOptions &options, bool burst = false,
+        int mergeId = ItemEditCommand::OptionMerge);
+    QStringList upstreamColumns() const;
     void updateRows(const OutputOptions &options);
     int row(const QString &label, QWidget *widget);
 
@@ -142,6 +156,8 @@ private:
     QCheckBox *m_bomCheck;
     QComboBox *m_typesCombo;
     QComboBox *m_formattingCombo;
+    QPushButton *m_typesButton;
+    QPushButton *m_formatsButton;
     QCheckBox *m_templateCheck;
     QLineEdit *m_templateEdit;
     QPlainTextEdit *m_aboveRootEdit;
