@@ -15,6 +15,8 @@
 #include <QSplitter>
 #include <QStyle>
 #include <QTextCursor>
+#include <QTextFrame>
+#include <QTextTable>
 #include <QTextDocument>
 #include <QToolBar>
 #include <QToolButton>
@@ -84,6 +86,26 @@ QVariant HelpBrowser::loadResource(int type, const QUrl &name)
             .arg(url.path().mid(QStringLiteral("/help/").size()));
     }
     return QTextBrowser::loadResource(type, name);
+}
+
+void HelpBrowser::polishPage()
+{
+    QTextDocument *page = document();
+    page->setDocumentMargin(12);
+    const QColor border = palette().color(QPalette::Mid);
+    for (QTextFrame::iterator it = page->rootFrame()->begin(); !it.atEnd(); ++it) {
+        auto *table = qobject_cast<QTextTable *>(it.currentFrame());
+        if (!table)
+            continue;
+        QTextTableFormat format = table->format();
+        format.setCellPadding(4);
+        format.setCellSpacing(0);
+        format.setBorder(1);
+        format.setBorderBrush(border);
+        format.setBorderCollapse(true);
+        format.setBottomMargin(8);
+        table->setFormat(format);
+    }
 }
 
 HelpWindow::HelpWindow(QWidget *parent)
@@ -425,6 +447,7 @@ void HelpWindow::onSourceChanged(const QUrl &url)
 {
     // The signal comes before source() reads the new address.
     const QString page = pageOfUrl(url);
+    m_browser->polishPage();
     const QString title = page == HelpIndex::shortcutsPage() ? HelpIndex::tr("Keyboard shortcuts")
                                                              : HelpIndex::pageTitle(page);
     const QString base = tr("Tabrelle Help");

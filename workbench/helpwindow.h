@@ -27,6 +27,8 @@ public:
     explicit HelpBrowser(QWidget *parent = nullptr);
     void setShortcutsMarkdown(const std::function<QString()> &writer) { m_shortcutsWriter = writer; }
     QVariant loadResource(int type, const QUrl &name) override;
+    // Gives the page shown margins, and its tables padded cells with light borders.
+    void polishPage();
 
 private:
     std::function<QString()> m_shortcutsWriter;

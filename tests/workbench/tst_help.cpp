@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QTextFrame>
+#include <QTextTable>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 
@@ -213,6 +215,12 @@ void TestHelp::showTransform()
     HelpWindow *window = HelpWindow::existingInstance();
     QCOMPARE(window->currentPage(), QStringLiteral("transforms/%1.md").arg(id));
     QVERIFY(window->browser()->toPlainText().startsWith(prototype(id)->name()));
+    // Its option table is drawn with padded cells.
+    QTextTable *table = nullptr;
+    for (QTextFrame::iterator it = window->browser()->document()->rootFrame()->begin(); !it.atEnd() && !table; ++it)
+        table = qobject_cast<QTextTable *>(it.currentFrame());
+    QVERIFY(table);
+    QCOMPARE(table->format().cellPadding(), 4.0);
     // The contents tree follows the page shown.
     QVERIFY(window->contentsTree()->currentItem());
     QCOMPARE(window->contentsTree()->currentItem()->text(0), treeText);
