@@ -5,11 +5,12 @@
 #include "transforms/parameter.h"
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
-#include "workbench/parametereditor.h"
+#include "workbench/parameterwidget.h"
 #include "workbench/prompts.h"
 
 #include <QGridLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QStyle>
 
 #include <memory>
@@ -84,29 +85,45 @@ QString TransformItemWidget::connectionHint() const
 void TransformItemWidget::buildRows()
 {
     for (const Row &row : qAsConst(m_rows)) {
-        delete row.editor;
+        delete row.widget->widget();
         delete row.label;
     }
     m_rows.clear();
-    const TransformNode *transformNode = this->transformNode();
+    delete m_exploreRow;
+    m_exploreRow = nullptr;
+    m_exploreButton = nullptr;
+    TransformNode *transformNode = this->transformNode();
     m_builtFor = transformNode ? transformNode->transform()->parameterList() : QList<Parameter *>();
     QGridLayout *grid = formLayout();
+    const Qt::Alignment labelAlignment =
+        Qt::Alignment(style()->styleHint(QStyle::SH_FormLayoutLabelAlignment)) | Qt::AlignVCenter;
     for (Parameter *parameter : qAsConst(m_builtFor)) {
         Row row;
         row.parameter = parameter;
-        row.editor = ParameterEditor::create(parameter, formWidget());
-        row.row = grid->rowCount();
-        if (row.editor->labelPlace() == ParameterEditor::LeftLabel) {
+        row.widget = createParameterWidget(parameter, formWidget());
+        row.widget->setUndoContext(scene(), undoStack(), transformNode);
+        QWidget *widget = row.widget->widget();
+        const ParameterWidget::LabelPlace place = ParameterWidget::labelPlace(parameter->kind());
+        if (place != ParameterWidget::OwnLabel) {
             row.label = new QLabel(tr("%1:").arg(parameter->label()), formWidget());
-            row.label->setBuddy(row.editor->focusWidget());
+            row.label->setBuddy(row.widget->focusTarget());
             row.label->setToolTip(parameter->tooltip());
-            row.label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-            grid->addWidget(row.label, row.row, 0);
-            grid->addWidget(row.editor, row.row, 1);
-        } else {
-            grid->addWidget(row.editor, row.row, 0, 1, 2);
         }
-        connect(row.editor, &ParameterEditor::edited, this, &TransformItemWidget::onEdited);
+        int at = grid->rowCount();
+        if (place == ParameterWidget::LeftLabel) {
+            row.label->setAlignment(labelAlignment);
+            grid->addWidget(row.label, at, 0, Qt::AlignTop);
+            grid->addWidget(widget, at, 1);
+        } else if (place == ParameterWidget::NoLabel) {
+            // A large editor spans the row under its own title line.
+            grid->addWidget(row.label, at, 0, 1, 2);
+            grid->addWidget(widget, at + 1, 0, 1, 2);
+        } else {
+            grid->addWidget(widget, at, 0, 1, 2);
+        }
+        connect(widget, SIGNAL(parameterValueChanged(bool)), this, SLOT(onParameterChange(bool)));
+        connect(widget, SIGNAL(startTimer()), this, SLOT(onStartTimer()));
+        connect(widget, SIGNAL(processNow()), this, SLOT(onProcessNow()));
         m_rows.append(row);
     }
 }
@@ -120,7 +137,7 @@ void TransformItemWidget::updateFromNode()
         buildRows();
     else {
         for (const Row &row : qAsConst(m_rows))
-            row.editor->updateFromParameter();
+            row.widget->updateFromParameter();
     }
     applyParameterStates();
 }
@@ -133,19 +150,27 @@ void TransformItemWidget::applyParameterStates()
     const Transform *transform = transformNode->transform();
     QHash<QString, bool> states;
     const QList<QPair<QString, bool>> pairs = transform->parameterStates();
-    for (const auto &pair : pairs)
-        states.insert(pair.first, pair.second);
+    // The first pair of a name decides, as the run's check of unset options reads them.
+    for (const auto &pair : pairs) {
+        if (!states.contains(pair.first))
+            states.insert(pair.first, pair.second);
+    }
     const bool hides = transform->hidesDisabledParameters();
     for (const Row &row : qAsConst(m_rows)) {
         const bool on = states.value(row.parameter->name(), true);
         const bool visible = on || !hides;
-        row.editor->setVisible(visible);
-        row.editor->setEnabled(on);
+        QWidget *widget = row.widget->widget();
+        widget->setVisible(visible);
+        widget->setEnabled(on);
+        // A column option with nothing upstream has no columns to offer.
+        if (row.parameter->isColumnOption() && !row.parameter->upstream())
+            widget->setEnabled(false);
+        widget->update();
         if (row.label) {
             row.label->setVisible(visible);
             row.label->setEnabled(on);
             const bool unset = on && row.parameter->isUnset();
-            QPalette palette = row.editor->palette();
+            QPalette palette = widget->palette();
             if (unset)
                 palette.setColor(QPalette::WindowText, MarkColour);
             row.label->setPalette(palette);
@@ -157,11 +182,11 @@ void TransformItemWidget::applyParameterStates()
     }
 }
 
-ParameterEditor *TransformItemWidget::editor(const QString &parameterName) const
+ParameterWidget *TransformItemWidget::parameterWidget(const QString &parameterName) const
 {
     for (const Row &row : m_rows) {
         if (row.parameter->name() == parameterName)
-            return row.editor;
+            return row.widget;
     }
     return nullptr;
 }
@@ -175,30 +200,21 @@ QLabel *TransformItemWidget::label(const QString &parameterName) const
     return nullptr;
 }
 
-void TransformItemWidget::onEdited(bool burst)
+void TransformItemWidget::onParameterChange(bool processNow)
 {
-    auto *editor = qobject_cast<ParameterEditor *>(sender());
-    if (!editor || !node() || isRunning())
-        return;
-    Parameter *parameter = editor->parameter();
-    const QVariant value = editor->value();
-    if (value == parameter->value() && !parameter->isPending())
-        return;
-    const QString name = parameter->name();
-    const QString label = parameter->label();
-    recordEdit(
-        label.isEmpty() ? tr("change") : tr("'%1' change").arg(label),
-        [name, value](Node *node) {
-            if (Parameter *p = findParameter(node, name))
-                p->setValue(value);
-        },
-        ItemEditCommand::OptionMerge, name);
-    // The editor that changed keeps what the user typed; the others follow the states.
+    Q_UNUSED(processNow)
+    // The widget that changed keeps what the user typed; the others follow the states.
     applyParameterStates();
-    if (burst)
-        startInvalidateTimer();
-    else
-        invalidateNow();
+}
+
+void TransformItemWidget::onStartTimer()
+{
+    startInvalidateTimer();
+}
+
+void TransformItemWidget::onProcessNow()
+{
+    invalidateNow();
 }
 
 void TransformItemWidget::saveDefaults()

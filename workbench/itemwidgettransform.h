@@ -2,17 +2,16 @@
 
 #include "workbench/itemwidget.h"
 
-#include <QHash>
-
-class ParameterEditor;
 class Parameter;
+class ParameterWidget;
 class QLabel;
+class QPushButton;
 class TransformNode;
 
 // The item widget of a transform: its description, its result, and one row per option in
-// the transform's order, each with the editor of its kind. Rows follow the transform's
-// parameterStates(): disabled, or hidden when the transform hides disabled options; an
-// option that is not set shows its label in the marking colour.
+// the transform's order, each with the parameter widget of its kind. Rows follow the
+// transform's parameterStates(): disabled, or hidden when the transform hides disabled
+// options; an option that is not set shows its label in the marking colour.
 class TransformItemWidget : public ItemWidget
 {
     Q_OBJECT
@@ -26,8 +25,10 @@ public:
     void saveDefaults() override;
     void restoreDefaults(bool factoryOnly) override;
 
-    ParameterEditor *editor(const QString &parameterName) const;
+    ParameterWidget *parameterWidget(const QString &parameterName) const;
     QLabel *label(const QString &parameterName) const;
+    // The "Explore Keys..." or "Explore Duplicates..." button, when the transform has one.
+    QPushButton *exploreButton() const { return m_exploreButton; }
     // Disables or hides rows, and marks unset options; after every change and run.
     void applyParameterStates();
 
@@ -38,17 +39,20 @@ protected:
     QString resultText() const override;
 
 private slots:
-    void onEdited(bool burst);
+    void onParameterChange(bool processNow);
+    void onStartTimer();
+    void onProcessNow();
 
 private:
     void buildRows();
     struct Row
     {
         Parameter *parameter = nullptr;
-        ParameterEditor *editor = nullptr;
+        ParameterWidget *widget = nullptr;
         QLabel *label = nullptr;
-        int row = -1;
     };
     QList<Row> m_rows;
     QList<Parameter *> m_builtFor;
+    QWidget *m_exploreRow = nullptr;
+    QPushButton *m_exploreButton = nullptr;
 };

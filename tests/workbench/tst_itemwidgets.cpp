@@ -12,7 +12,7 @@
 #include "transforms/transformnode.h"
 #include "workbench/itempane.h"
 #include "workbench/itemwidgettransform.h"
-#include "workbench/parametereditor.h"
+#include "workbench/parameterwidgets.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -22,8 +22,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QStandardPaths>
+#include <QTableWidget>
 #include <QTemporaryDir>
 #include <QUndoStack>
 #include <QtTest>
@@ -89,6 +91,7 @@ public:
         add(ParameterKind::Label, QStringLiteral("Label"), QVariant(), QStringLiteral("Just words"));
         add(ParameterKind::Date, QStringLiteral("Date"), QDate(2020, 5, 6));
         add(ParameterKind::GroupColumns, QStringLiteral("Group_Columns"));
+        add(ParameterKind::VerifyRules, QStringLiteral("Verify_Rules"));
         add(ParameterKind::Locale, QStringLiteral("Locale"), QStringLiteral("en-GB"));
         Parameter *disable = add(ParameterKind::Bool, QStringLiteral("Disable"), false);
         disable->setDisableSwitch(true);
@@ -114,11 +117,15 @@ private slots:
     void parameterStates_data();
     void parameterStates();
     void unsetMarking();
+    void intFrameAndSwitchColour();
+    void accessibleNames();
     void editIsOneStep_data();
     void editIsOneStep();
+    void typingMergesIntoOneStep_data();
     void typingMergesIntoOneStep();
     void autoRunDelay_data();
     void autoRunDelay();
+    void disabledDuringRun();
 
 private:
     TransformItemWidget *showTransform();
@@ -194,21 +201,24 @@ void TestItemWidgets::parameterStates()
 {
     QFETCH(bool, hides);
     KindsTransform::s_hides = hides;
-    KindsTransform::s_states = {{QStringLiteral("Text"), false}, {QStringLiteral("Int"), true}};
+    KindsTransform::s_states = {{QStringLiteral("Text"), false}, {QStringLiteral("Int"), true},
+        {QStringLiteral("Filter_Columns"), false}};
     TransformItemWidget *widget = showTransform();
     QVERIFY(widget);
-    ParameterEditor *text = widget->editor(QStringLiteral("Text"));
-    QVERIFY(text);
-    QCOMPARE(text->isHidden(), hides);
-    QCOMPARE(widget->label(QStringLiteral("Text"))->isHidden(), hides);
-    QVERIFY(!text->isEnabled());
-    QVERIFY(!widget->label(QStringLiteral("Text"))->isEnabled());
-    QVERIFY(widget->editor(QStringLiteral("Int"))->isEnabled());
-    QVERIFY(!widget->editor(QStringLiteral("Int"))->isHidden());
+    for (const QString &name : {QStringLiteral("Text"), QStringLiteral("Filter_Columns")}) {
+        QWidget *off = widget->parameterWidget(name)->widget();
+        QCOMPARE(off->isHidden(), hides);
+        QCOMPARE(widget->label(name)->isHidden(), hides);
+        QVERIFY(!off->isEnabled());
+        QVERIFY(!widget->label(name)->isEnabled());
+    }
+    QVERIFY(widget->parameterWidget(QStringLiteral("Int"))->widget()->isEnabled());
+    QVERIFY(!widget->parameterWidget(QStringLiteral("Int"))->widget()->isHidden());
 
     // A state that changes after an edit is applied to the rows at once.
     KindsTransform::s_states = {};
     widget->applyParameterStates();
+    QWidget *text = widget->parameterWidget(QStringLiteral("Text"))->widget();
     QVERIFY(!text->isHidden());
     QVERIFY(text->isEnabled());
 }
@@ -217,25 +227,68 @@ void TestItemWidgets::unsetMarking()
 {
     TransformItemWidget *widget = showTransform();
     const QColor mark(0xFC, 0x33, 0x00);
-    // A required Int at 0 and an empty Text are unset; a Selection never is here.
-    QCOMPARE(widget->label(QStringLiteral("Int"))->palette().color(QPalette::WindowText), mark);
-    QVERIFY(widget->label(QStringLiteral("Int"))
-                ->toolTip()
-                .endsWith(QStringLiteral("\nThis option is not set.")));
-    QCOMPARE(widget->label(QStringLiteral("Text"))->palette().color(QPalette::WindowText), mark);
+    // A required Int at 0, an empty Text and a filter with no condition are unset; a
+    // Selection never is here.
+    for (const QString &name :
+        {QStringLiteral("Int"), QStringLiteral("Text"), QStringLiteral("Filter_Columns")}) {
+        QCOMPARE(widget->label(name)->palette().color(QPalette::WindowText), mark);
+        QVERIFY(widget->label(name)->toolTip().endsWith(QStringLiteral("\nThis option is not set.")));
+    }
     QVERIFY(widget->label(QStringLiteral("Selection"))->palette().color(QPalette::WindowText) != mark);
+    QVERIFY(!widget->label(QStringLiteral("Selection"))->toolTip().contains(QStringLiteral("not set")));
 
     // Typing a text clears its mark.
-    auto *edit = qobject_cast<QLineEdit *>(widget->editor(QStringLiteral("Text"))->focusWidget());
+    QWidget *edit = widget->parameterWidget(QStringLiteral("Text"))->widget();
     QTest::keyClicks(edit, QStringLiteral("x"));
     QVERIFY(widget->label(QStringLiteral("Text"))->palette().color(QPalette::WindowText) != mark);
+    // A state that switches an option off takes its mark away.
+    KindsTransform::s_states = {{QStringLiteral("Int"), false}};
+    widget->applyParameterStates();
+    QVERIFY(widget->label(QStringLiteral("Int"))->palette().color(QPalette::WindowText) != mark);
+}
+
+void TestItemWidgets::intFrameAndSwitchColour()
+{
+    TransformItemWidget *widget = showTransform();
+    QVERIFY(QTest::qWaitForWindowExposed(m_pane.get()));
+    const QColor mark(0xFC, 0x33, 0x00);
+    // A required Int at 0 is framed inside its border in the marking colour.
+    auto *spin = qobject_cast<IntParameterWidget *>(widget->parameterWidget(QStringLiteral("Int"))->widget());
+    QVERIFY(spin);
+    QImage image = spin->grab().toImage();
+    QCOMPARE(image.pixelColor(1, image.height() / 2), mark);
+    spin->setFocus();
+    QTest::keyClick(spin, Qt::Key_Up);
+    image = spin->grab().toImage();
+    QVERIFY(image.pixelColor(1, image.height() / 2) != mark);
 
     // The disable switch turns its text the marking colour when checked.
-    auto *disable = qobject_cast<QCheckBox *>(widget->editor(QStringLiteral("Disable"))->focusWidget());
+    auto *disable =
+        qobject_cast<BoolParameterWidget *>(widget->parameterWidget(QStringLiteral("Disable"))->widget());
+    QVERIFY(disable);
     QVERIFY(disable->styleSheet().isEmpty());
     disable->click();
-    widget->refresh();
-    QVERIFY(disable->styleSheet().contains(mark.name()));
+    QCOMPARE(disable->styleSheet(), QStringLiteral("BoolParameterWidget{ color: %1; }").arg(mark.name()));
+    // An ordinary check box never is.
+    auto *plain =
+        qobject_cast<BoolParameterWidget *>(widget->parameterWidget(QStringLiteral("Bool"))->widget());
+    plain->click();
+    QVERIFY(plain->styleSheet().isEmpty());
+}
+
+void TestItemWidgets::accessibleNames()
+{
+    TransformItemWidget *widget = showTransform();
+    const QList<Parameter *> parameters = widget->transformNode()->transform()->parameterList();
+    QCOMPARE(parameters.size(), 25);
+    for (Parameter *parameter : parameters) {
+        ParameterWidget *parameterWidget = widget->parameterWidget(parameter->name());
+        QVERIFY2(parameterWidget, qPrintable(parameter->name()));
+        QCOMPARE(parameterWidget->focusTarget()->accessibleName(), parameter->label());
+        // The label leads to the widget that takes focus.
+        if (QLabel *label = widget->label(parameter->name()))
+            QCOMPARE(label->buddy(), parameterWidget->focusTarget());
+    }
 }
 
 void TestItemWidgets::editIsOneStep_data()
@@ -243,7 +296,8 @@ void TestItemWidgets::editIsOneStep_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("input");
-    QTest::addColumn<QString>("expected"); // the option's saved text afterwards
+    QTest::addColumn<QString>("expected"); // the option's saved text afterwards; "*" any change
+    const auto items = [](const QStringList &list) { return list.join(QChar(0x1F)); };
     QTest::newRow("Column") << "Column"
                             << "down"
                             << ""
@@ -252,36 +306,16 @@ void TestItemWidgets::editIsOneStep_data()
                              << "check"
                              << "1"
                              << "2";
-    QTest::newRow("Optional_Columns") << "Optional_Columns"
-                                      << "check"
-                                      << "2"
-                                      << "3";
     QTest::newRow("Sort_Columns") << "Sort_Columns"
-                                  << "text"
-                                  << "-2"
-                                  << "-2";
-    QTest::newRow("Group_Columns") << "Group_Columns"
-                                   << "text"
-                                   << "3"
-                                   << "3";
+                                  << "add"
+                                  << ""
+                                  << "1";
     QTest::newRow("Filter_Columns") << "Filter_Columns"
-                                    << "text"
-                                    << "1\n0\n2\n0\ny"
-                                    << QStringLiteral("1\x1f"
-                                                      "0\x1f"
-                                                      "2\x1f"
-                                                      "0\x1fy");
+                                    << "term"
+                                    << "y" << items({"1", "1", "0", "0", "y"});
     QTest::newRow("Reorder_Columns") << "Reorder_Columns"
-                                     << "text"
-                                     << "3\n1\n2"
-                                     << QStringLiteral("3\x1f"
-                                                       "1\x1f"
-                                                       "2");
-    QTest::newRow("Replace_Terms") << "Replace_Terms"
-                                   << "text"
-                                   << "0\nfrom\nto"
-                                   << QStringLiteral("0\x1f"
-                                                     "from\x1fto");
+                                     << "ctrlUp"
+                                     << "2" << items({"1", "3", "2"});
     QTest::newRow("Bool") << "Bool"
                           << "click"
                           << ""
@@ -302,6 +336,29 @@ void TestItemWidgets::editIsOneStep_data()
                           << "down"
                           << ""
                           << "%20";
+    QTest::newRow("If") << "If"
+                        << "result"
+                        << "big" << items({"*StartIf*", "*EndIf*", "big", ""});
+    QTest::newRow("Optional_Columns") << "Optional_Columns"
+                                      << "check"
+                                      << "2"
+                                      << "3";
+    QTest::newRow("Script") << "Script"
+                            << "type"
+                            << "return 1"
+                            << "return%201";
+    QTest::newRow("Rename_Columns") << "Rename_Columns"
+                                    << "rename"
+                                    << "z" << items({"z", "*NORENAME*", "*NORENAME*"});
+    QTest::newRow("Split_Rows") << "Split_Rows"
+                                << "splitText"
+                                << ";" << items({"0", "1", "1", "0", "0", "%3B"});
+    QTest::newRow("Unique_Columns") << "Unique_Columns"
+                                    << "unique"
+                                    << "" << items({"2", "1", "1"});
+    QTest::newRow("Replace_Terms") << "Replace_Terms"
+                                   << "from"
+                                   << "from" << items({"0", "from", ""});
     QTest::newRow("Real") << "Real"
                           << "up"
                           << ""
@@ -310,14 +367,26 @@ void TestItemWidgets::editIsOneStep_data()
                                << "type"
                                << "words"
                                << "words";
-    QTest::newRow("Script") << "Script"
-                            << "type"
-                            << "return 1"
-                            << "return%201";
+    QTest::newRow("Verify_Rules") << "Verify_Rules"
+                                  << "severity"
+                                  << ""
+                                  << "*";
+    QTest::newRow("Label") << "Label"
+                           << "none"
+                           << ""
+                           << "";
     QTest::newRow("Date") << "Date"
                           << "up"
                           << ""
                           << "2021-05-06";
+    QTest::newRow("Group_Columns") << "Group_Columns"
+                                   << "add"
+                                   << ""
+                                   << "1";
+    QTest::newRow("Locale") << "Locale"
+                            << "down"
+                            << ""
+                            << "*";
 }
 
 void TestItemWidgets::editIsOneStep()
@@ -327,11 +396,12 @@ void TestItemWidgets::editIsOneStep()
     QFETCH(QString, input);
     QFETCH(QString, expected);
     TransformItemWidget *widget = showTransform();
-    ParameterEditor *editor = widget->editor(name);
-    QVERIFY(editor);
-    Parameter *parameter = editor->parameter();
+    ParameterWidget *parameterWidget = widget->parameterWidget(name);
+    QVERIFY(parameterWidget);
+    Parameter *parameter = parameterWidget->parameter();
     const QString before = parameter->toText();
-    QWidget *target = editor->focusWidget();
+    QWidget *target = parameterWidget->focusTarget();
+    QWidget *own = parameterWidget->widget();
     target->setFocus();
     if (action == QLatin1String("down")) {
         QTest::keyClick(target, Qt::Key_Down);
@@ -340,33 +410,85 @@ void TestItemWidgets::editIsOneStep()
             date->setCurrentSection(QDateTimeEdit::YearSection);
         QTest::keyClick(target, Qt::Key_Up);
     } else if (action == QLatin1String("click")) {
-        qobject_cast<QCheckBox *>(target)->click();
+        QTest::keyClick(target, Qt::Key_Space);
     } else if (action == QLatin1String("check")) {
-        qobject_cast<QListWidget *>(target)->item(input.toInt())->setCheckState(Qt::Checked);
+        auto *list = qobject_cast<QListWidget *>(target);
+        list->setCurrentRow(input.toInt());
+        QTest::keyClick(list, Qt::Key_Space);
     } else if (action == QLatin1String("type")) {
         QTest::keyClicks(target, input);
-    } else if (action == QLatin1String("text")) {
-        qobject_cast<QPlainTextEdit *>(target)->setPlainText(input);
+    } else if (action == QLatin1String("add")) {
+        QTest::mouseClick(own->findChild<QPushButton *>(), Qt::LeftButton);
+    } else if (action == QLatin1String("term")) {
+        ConditionTable *table = qobject_cast<FilterColumnsParameterWidget *>(own)->table();
+        QTest::keyClicks(table->termEdit(0), input);
+    } else if (action == QLatin1String("ctrlUp")) {
+        auto *list = qobject_cast<QListWidget *>(target);
+        list->setCurrentRow(input.toInt());
+        QTest::keyClick(list, Qt::Key_Up, Qt::ControlModifier);
+    } else if (action == QLatin1String("result")) {
+        QTest::keyClicks(qobject_cast<IfParameterWidget *>(own)->resultEdit(0), input);
+    } else if (action == QLatin1String("rename")) {
+        QTest::keyClicks(qobject_cast<RenameColumnsParameterWidget *>(own)->nameEdit(0), input);
+    } else if (action == QLatin1String("splitText")) {
+        QTest::keyClicks(qobject_cast<SplitRowsParameterWidget *>(own)->textEdit(), input);
+    } else if (action == QLatin1String("unique")) {
+        QComboBox *combo = qobject_cast<UniqueParameterWidget *>(own)->optionCombo(0);
+        combo->setFocus();
+        QTest::keyClick(combo, Qt::Key_Down);
+    } else if (action == QLatin1String("from")) {
+        QTest::keyClicks(qobject_cast<ReplaceTermsParameterWidget *>(own)->fromEdit(0), input);
+    } else if (action == QLatin1String("severity")) {
+        QTableWidget *table = qobject_cast<VerifyRulesParameterWidget *>(own)->datasetTable();
+        auto *combo = qobject_cast<QComboBox *>(table->cellWidget(0, 2));
+        combo->setFocus();
+        QTest::keyClick(combo, Qt::Key_Up);
     }
-    QCOMPARE(parameter->toText(), expected);
+    if (action == QLatin1String("none")) {
+        // A label has no value: nothing to edit and nothing on the stack.
+        QVERIFY(!parameterWidget->value().isValid());
+        QCOMPARE(m_undoStack->count(), 0);
+        return;
+    }
+    if (expected == QLatin1String("*"))
+        QVERIFY(parameter->toText() != before);
+    else
+        QCOMPARE(parameter->toText(), expected);
+    const QString after = parameter->toText();
     QCOMPARE(m_undoStack->count(), 1);
     QCOMPARE(m_undoStack->text(0), QStringLiteral("'%1' change").arg(parameter->label()));
     m_undoStack->undo();
     QCOMPARE(this->parameter(name)->toText(), before);
+    // The pane shows the restored item.
+    auto *restored = qobject_cast<TransformItemWidget *>(m_pane->itemWidget());
+    QVERIFY(restored);
+    QVERIFY(restored->parameterWidget(name));
     m_undoStack->redo();
-    QCOMPARE(this->parameter(name)->toText(), expected);
+    QCOMPARE(this->parameter(name)->toText(), after);
+}
+
+void TestItemWidgets::typingMergesIntoOneStep_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("text field") << "Text";
+    QTest::newRow("long text") << "Long_Text";
+    QTest::newRow("script") << "Script";
 }
 
 void TestItemWidgets::typingMergesIntoOneStep()
 {
+    QFETCH(QString, name);
     TransformItemWidget *widget = showTransform();
-    QWidget *edit = widget->editor(QStringLiteral("Text"))->focusWidget();
+    QWidget *edit = widget->parameterWidget(name)->focusTarget();
     edit->setFocus();
     QTest::keyClicks(edit, QStringLiteral("hello"));
     QCOMPARE(m_undoStack->count(), 1);
-    QCOMPARE(widget->editor(QStringLiteral("Text"))->parameter()->stringValue(), QStringLiteral("hello"));
+    QCOMPARE(widget->parameterWidget(name)->parameter()->stringValue(), QStringLiteral("hello"));
     // Another option is another step.
-    QWidget *other = widget->editor(QStringLiteral("Long_Text"))->focusWidget();
+    QWidget *other = widget
+                         ->parameterWidget(name == QLatin1String("Text") ? QStringLiteral("Long_Text")
+                                                                         : QStringLiteral("Text"))
+                         ->focusTarget();
     other->setFocus();
     QTest::keyClicks(other, QStringLiteral("ab"));
     QCOMPARE(m_undoStack->count(), 2);
@@ -379,6 +501,8 @@ void TestItemWidgets::autoRunDelay_data()
     QTest::newRow("typing waits for the delay") << "type" << false;
     QTest::newRow("a choice is at once") << "choose" << true;
     QTest::newRow("focus out applies typing at once") << "typeThenLeave" << true;
+    QTest::newRow("a filter term waits for the delay") << "term" << false;
+    QTest::newRow("Enter applies typing at once") << "typeThenEnter" << true;
 }
 
 void TestItemWidgets::autoRunDelay()
@@ -390,15 +514,22 @@ void TestItemWidgets::autoRunDelay()
     m_pane->activateWindow();
     QCOMPARE(m_transformNode->status(), int(Node::UpToDate));
     if (how == QLatin1String("choose")) {
-        QWidget *combo = widget->editor(QStringLiteral("Selection"))->focusWidget();
+        QWidget *combo = widget->parameterWidget(QStringLiteral("Selection"))->focusTarget();
         combo->setFocus();
         QTest::keyClick(combo, Qt::Key_Down);
+    } else if (how == QLatin1String("term")) {
+        auto *filter = qobject_cast<FilterColumnsParameterWidget *>(
+            widget->parameterWidget(QStringLiteral("Filter_Columns"))->widget());
+        filter->table()->termEdit(0)->setFocus();
+        QTest::keyClicks(filter->table()->termEdit(0), QStringLiteral("a"));
     } else {
-        QWidget *edit = widget->editor(QStringLiteral("Text"))->focusWidget();
+        QWidget *edit = widget->parameterWidget(QStringLiteral("Text"))->focusTarget();
         edit->setFocus();
         QTest::keyClicks(edit, QStringLiteral("a"));
         if (how == QLatin1String("typeThenLeave"))
-            widget->editor(QStringLiteral("Long_Text"))->focusWidget()->setFocus();
+            widget->parameterWidget(QStringLiteral("Long_Text"))->focusTarget()->setFocus();
+        if (how == QLatin1String("typeThenEnter"))
+            QTest::keyClick(edit, Qt::Key_Return);
     }
     if (atOnce) {
         QCOMPARE(m_transformNode->status(), int(Node::NeedsUpdating));
@@ -407,6 +538,21 @@ void TestItemWidgets::autoRunDelay()
         QVERIFY(widget->isInvalidatePending());
         QTRY_COMPARE_WITH_TIMEOUT(m_transformNode->status(), int(Node::NeedsUpdating), 2000);
     }
+}
+
+void TestItemWidgets::disabledDuringRun()
+{
+    TransformItemWidget *widget = showTransform();
+    m_pane->setRunning(true);
+    QWidget *text = widget->parameterWidget(QStringLiteral("Text"))->widget();
+    QVERIFY(!text->isEnabled());
+    m_pane->setRunning(false);
+    QVERIFY(text->isEnabled());
+    // A run's end reloads the widgets from the options, with no step.
+    parameter(QStringLiteral("Text"))->setValue(QStringLiteral("set by the run"));
+    m_pane->refresh();
+    QCOMPARE(qobject_cast<QLineEdit *>(text)->text(), QStringLiteral("set by the run"));
+    QCOMPARE(m_undoStack->count(), 0);
 }
 
 int main(int argc, char **argv)
