@@ -54,18 +54,6 @@ DataPanel::DataPanel(QWidget *parent)
     toolBar->addWidget(m_whitespaceButton);
     layout->addLayout(toolBar);
 
-    m_windowBar = new QWidget(this);
-    auto *windowLayout = new QHBoxLayout(m_windowBar);
-    windowLayout->setContentsMargins(4, 0, 4, 0);
-    m_windowLabel = new QLabel(m_windowBar);
-    m_previousWindowButton = button(tr("Previous"), tr("The previous 50,000,000 rows"));
-    m_nextWindowButton = button(tr("Next"), tr("The next 50,000,000 rows"));
-    windowLayout->addWidget(m_windowLabel, 1);
-    windowLayout->addWidget(m_previousWindowButton);
-    windowLayout->addWidget(m_nextWindowButton);
-    m_windowBar->setVisible(false);
-    layout->addWidget(m_windowBar);
-
     m_model = new DatasetTableModel(this);
     m_view = new DataTableView(this);
     m_view->setDatasetModel(m_model);
@@ -90,9 +78,6 @@ DataPanel::DataPanel(QWidget *parent)
         emit showWhitespaceToggled(on);
     });
     connect(m_view, &DataTableView::drilldownRequested, this, &DataPanel::onDrilldown);
-    connect(m_view, &DataTableView::windowMoveRequested, this, &DataPanel::onWindowMove);
-    connect(m_previousWindowButton, &QToolButton::clicked, this, &DataPanel::onPreviousWindow);
-    connect(m_nextWindowButton, &QToolButton::clicked, this, &DataPanel::onNextWindow);
     setNode(nullptr, nullptr);
 }
 
@@ -124,7 +109,6 @@ void DataPanel::setNode(Node *node, GraphScene *scene)
         refresh();
         return;
     }
-    updateWindowBar();
     updateOverlay();
 }
 
@@ -133,7 +117,7 @@ void DataPanel::refresh()
     const Dataset dataset = m_node ? m_node->dataset() : Dataset();
     const Dataset &old = m_model->dataset();
     const bool larger = dataset.rowCount() >= old.rowCount() && dataset.columnCount() >= old.columnCount();
-    const int vertical = m_view->verticalScrollBar()->value();
+    const int firstRow = m_view->firstVisibleRow();
     const int horizontal = m_view->horizontalScrollBar()->value();
     const QModelIndex current = m_view->currentIndex();
     const int currentRow = current.isValid() ? m_model->datasetRow(current.row()) : -1;
@@ -142,11 +126,10 @@ void DataPanel::refresh()
     if (larger) {
         if (currentRow >= 0 && m_model->modelRow(currentRow) >= 0)
             m_view->setCurrentIndex(m_model->index(m_model->modelRow(currentRow), currentColumn));
-        m_view->verticalScrollBar()->setValue(vertical);
+        m_view->scrollToRow(firstRow);
         m_view->horizontalScrollBar()->setValue(horizontal);
     }
     m_findBar->updateColumns();
-    updateWindowBar();
     updateOverlay();
 }
 
@@ -232,47 +215,4 @@ void DataPanel::onDrilldown(int row, int column)
     auto *dialog = new DrilldownDialog(m_node, row, column, window());
     connect(dialog, &DrilldownDialog::runRequested, this, &DataPanel::runRequested);
     dialog->show();
-}
-
-void DataPanel::onWindowMove(int datasetRow)
-{
-    const int window = DatasetTableModel::MaxWindowRows;
-    m_model->setWindowStart((datasetRow / window) * window);
-    updateWindowBar();
-}
-
-void DataPanel::onPreviousWindow()
-{
-    m_model->setWindowStart(qMax(0, m_model->windowStart() - DatasetTableModel::MaxWindowRows));
-    updateWindowBar();
-}
-
-void DataPanel::onNextWindow()
-{
-    const int next = m_model->windowStart() + DatasetTableModel::MaxWindowRows;
-    if (next < m_model->dataset().rowCount())
-        m_model->setWindowStart(next);
-    updateWindowBar();
-}
-
-QString DataPanel::windowText() const
-{
-    return m_windowLabel->text();
-}
-
-void DataPanel::updateWindowBar()
-{
-    const int rows = m_model->dataset().rowCount();
-    const bool windowed = rows > DatasetTableModel::MaxWindowRows;
-    m_windowBar->setVisible(windowed);
-    if (!windowed)
-        return;
-    const QLocale locale;
-    const int first = m_model->windowStart();
-    m_windowLabel->setText(tr("Rows %1 to %2 of %3")
-                               .arg(locale.toString(first + 1))
-                               .arg(locale.toString(first + m_model->rowCount()))
-                               .arg(locale.toString(rows)));
-    m_previousWindowButton->setEnabled(first > 0);
-    m_nextWindowButton->setEnabled(first + m_model->rowCount() < rows);
 }

@@ -14,8 +14,8 @@ class QToolButton;
 class TableFindBar;
 
 // The lower half of the item pane: a tool bar with the size text, "Find", "Go to Row" and
-// "Show Whitespace", the find bar, the row window bar of very long tables, and the data
-// table of the current item with its overlay texts.
+// "Show Whitespace", the find bar, and the data table of the current item with its
+// overlay texts.
 class DataPanel : public QWidget
 {
     Q_OBJECT
@@ -40,7 +40,6 @@ public:
     void setShowWhitespace(bool on);
     // Makes the first cell of a row (counted from 1) current; false when out of range.
     bool goToRow(int row);
-    QString windowText() const;
 
 public slots:
     void openFindBar();
@@ -54,13 +53,8 @@ signals:
 
 private slots:
     void onDrilldown(int row, int column);
-    void onWindowMove(int datasetRow);
-    void onPreviousWindow();
-    void onNextWindow();
 
 private:
-    void updateWindowBar();
-
     QPointer<Node> m_node;
     QPointer<GraphScene> m_scene;
     QLabel *m_sizeLabel;
@@ -68,10 +62,6 @@ private:
     QToolButton *m_goToRowButton;
     QToolButton *m_whitespaceButton;
     QLabel *m_linksNote;
-    QWidget *m_windowBar;
-    QLabel *m_windowLabel;
-    QToolButton *m_previousWindowButton;
-    QToolButton *m_nextWindowButton;
     TableFindBar *m_findBar;
     DataTableView *m_view;
     DatasetTableModel *m_model;

@@ -38,18 +38,36 @@ void DatasetTableModel::setDataset(const Dataset &dataset, int nodeId)
     m_dataset = dataset;
     m_nodeId = nodeId;
     m_columnTypes = QVector<int>(dataset.columnCount(), -1);
-    if (m_windowStart >= dataset.rowCount())
-        m_windowStart = 0;
+    m_windowStart = qBound(0, m_windowStart, qMax(0, dataset.rowCount() - m_windowRows));
     endResetModel();
 }
 
 void DatasetTableModel::setWindowStart(int row)
 {
-    row = qBound(0, row, qMax(0, m_dataset.rowCount() - 1));
+    row = qBound(0, row, qMax(0, m_dataset.rowCount() - m_windowRows));
     if (row == m_windowStart)
         return;
-    beginResetModel();
+    // The row count stays the same, so the views only repaint: no reset, no new header
+    // layout.
+    const int old = m_windowStart;
     m_windowStart = row;
+    const int rows = rowCount();
+    const int columns = columnCount();
+    if (rows > 0 && columns > 0) {
+        emit dataChanged(index(0, 0), index(rows - 1, columns - 1));
+        emit headerDataChanged(Qt::Vertical, 0, rows - 1);
+    }
+    emit windowMoved(old, row);
+}
+
+void DatasetTableModel::setWindowRows(int rows)
+{
+    rows = qMax(1, rows);
+    if (rows == m_windowRows)
+        return;
+    beginResetModel();
+    m_windowRows = rows;
+    m_windowStart = qBound(0, m_windowStart, qMax(0, m_dataset.rowCount() - m_windowRows));
     endResetModel();
 }
 
@@ -87,7 +105,7 @@ int DatasetTableModel::rowCount(const QModelIndex &parent) const
 {
     if (parent.isValid())
         return 0;
-    return qMin(MaxWindowRows, m_dataset.rowCount() - m_windowStart);
+    return qMin(m_windowRows, m_dataset.rowCount() - m_windowStart);
 }
 
 int DatasetTableModel::columnCount(const QModelIndex &parent) const

@@ -8,15 +8,17 @@
 
 // A table model over an item's Dataset. It holds the dataset by value, which shares its
 // storage, and reads each cell when asked: nothing is copied or cached, so a table of ten
-// million rows opens as fast as one of ten. Very long tables are shown through a window
-// of at most MaxWindowRows rows, moved with setWindowStart.
+// million rows opens as fast as one of ten. A long table is shown through a window of
+// windowRows() rows, moved with setWindowStart; the window keeps its length as it moves,
+// so that a view's headers are laid out once per table, not once per row of the table.
 class DatasetTableModel : public QAbstractTableModel
 {
     Q_OBJECT
 public:
     enum Role { HasLinksRole = Qt::UserRole + 1 };
-    // Longer vertical headers would pass the toolkit's pixel range.
-    static constexpr int MaxWindowRows = 50000000;
+    // The view lays out its row header for every model row when a table opens: a window
+    // of this many rows keeps that quick however long the table is.
+    static constexpr int WindowRows = 1000000;
 
     explicit DatasetTableModel(QObject *parent = nullptr);
 
@@ -25,9 +27,15 @@ public:
     const Dataset &dataset() const { return m_dataset; }
     int nodeId() const { return m_nodeId; }
 
-    // The first dataset row shown; kept within the table and reset on a new dataset.
+    // The first dataset row shown; kept within the table so that the window is always
+    // full, and kept on a new dataset while it still fits.
     int windowStart() const { return m_windowStart; }
     void setWindowStart(int row);
+    // The window's length: WindowRows unless set (tests use short windows).
+    int windowRows() const { return m_windowRows; }
+    void setWindowRows(int rows);
+    // Whether the table is longer than the window.
+    bool isWindowed() const { return m_dataset.rowCount() > m_windowRows; }
     // Dataset row of a model row, and back (-1 when outside the window).
     int datasetRow(int modelRow) const { return m_windowStart + modelRow; }
     int modelRow(int datasetRow) const;
@@ -48,6 +56,13 @@ public:
     // whitespace shown, cut at maxChars characters with "…" after.
     static QString displayText(const QString &text, int maxChars, bool showWhitespace);
     QString displayText(int datasetRow, int column) const;
+
+signals:
+    // The window moved without a reset: every cell and row header now stands for other
+    // dataset rows, and a view shifts its selection by the difference.
+    void windowMoved(int oldStart, int newStart);
+
+public:
     // The verify colour of a severity (VerifyFailNone gives an invalid colour), and the
     // severity's name.
     static QColor verifyColour(OnVerifyFail severity, bool dark);
@@ -66,6 +81,7 @@ private:
     Dataset m_dataset;
     int m_nodeId = -1;
     int m_windowStart = 0;
+    int m_windowRows = WindowRows;
     int m_maxCellChars = 1000;
     bool m_showWhitespace = false;
     bool m_dark = false;

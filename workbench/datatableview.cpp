@@ -12,6 +12,8 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPainter>
+#include <QPointer>
+#include <QProgressDialog>
 #include <QScrollBar>
 
 namespace {
@@ -19,6 +21,20 @@ namespace {
 bool isMark(QChar c)
 {
     return c == QChar(0x00B7) || c == QChar(0x21B5) || c == QChar(0x21E5);
+}
+
+// A cell with a tab, a line break or a double quote goes in double quotes, each double
+// quote doubled, so that a spreadsheet pastes it as one cell.
+QString quotedForTabs(const QString &text)
+{
+    for (const QChar c : text) {
+        if (c == QLatin1Char('\t') || c == QLatin1Char('\n') || c == QLatin1Char('\r') || c == QLatin1Char('"')) {
+            QString quoted = text;
+            quoted.replace(QLatin1Char('"'), QLatin1String("\"\""));
+            return QLatin1Char('"') + quoted + QLatin1Char('"');
+        }
+    }
+    return text;
 }
 
 } // namespace
@@ -102,6 +118,17 @@ DataTableView::DataTableView(QWidget *parent)
     horizontalHeader()->setSectionResizeMode(QHeaderView::Interactive);
     horizontalHeader()->setDefaultSectionSize(UnfittedColumnWidth);
     horizontalHeader()->setHighlightSections(true);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    // Beside the view's own vertical scroll bar, which stays hidden while the table is
+    // longer than the model's window and keeps moving the rows of the window.
+    m_rowBar = new QScrollBar(Qt::Vertical, this);
+    m_rowBar->setObjectName(QStringLiteral("rowScrollBar"));
+    m_rowBar->setAccessibleName(tr("Rows"));
+    m_rowBar->setVisible(false);
+    addScrollBarWidget(m_rowBar, Qt::AlignTop);
+    connect(m_rowBar, &QScrollBar::valueChanged, this, &DataTableView::onRowBarMoved);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &DataTableView::onInnerScrolled);
+    connect(verticalScrollBar(), &QScrollBar::rangeChanged, this, &DataTableView::updateRowBar);
     setTableFont(font());
     connect(horizontalHeader(), &QHeaderView::sectionResized, this, &DataTableView::onSectionResized);
     connect(horizontalHeader(), &QHeaderView::sectionHandleDoubleClicked, this,
@@ -115,8 +142,10 @@ void DataTableView::setDatasetModel(DatasetTableModel *model)
         disconnect(m_model, nullptr, this, nullptr);
     m_model = model;
     setModel(model);
-    if (model)
+    if (model) {
         connect(model, &QAbstractItemModel::modelReset, this, &DataTableView::onModelReset);
+        connect(model, &DatasetTableModel::windowMoved, this, &DataTableView::onWindowMoved);
+    }
     onModelReset();
 }
 
@@ -177,7 +206,155 @@ void DataTableView::onModelReset()
             setColumnWidthQuietly(column, UnfittedColumnWidth);
         }
     }
+    // Row numbers of the whole table fit the row header wherever the window is.
+    const int rows = dataset ? dataset->rowCount() : 0;
+    const QFontMetrics metrics(verticalHeader()->font());
+    verticalHeader()->setMinimumWidth(metrics.horizontalAdvance(QLocale().toString(qMax(1, rows))) + 12);
+    updateRowBar();
     viewport()->update();
+}
+
+int DataTableView::firstVisibleRow() const
+{
+    return (m_model ? m_model->windowStart() : 0) + verticalScrollBar()->value();
+}
+
+void DataTableView::scrollToRow(int datasetRow)
+{
+    if (!m_model)
+        return;
+    if (m_model->isWindowed())
+        m_rowBar->setValue(datasetRow);
+    else
+        verticalScrollBar()->setValue(datasetRow);
+}
+
+void DataTableView::scrollToTop()
+{
+    if (m_model && m_model->isWindowed())
+        moveWindow(0);
+    QTableView::scrollToTop();
+}
+
+void DataTableView::scrollToBottom()
+{
+    if (m_model && m_model->isWindowed())
+        moveWindow(m_model->dataset().rowCount());
+    QTableView::scrollToBottom();
+}
+
+void DataTableView::updateRowBar()
+{
+    const bool windowed = m_model && m_model->isWindowed();
+    verticalScrollBar()->setVisible(!windowed);
+    m_rowBar->setVisible(windowed);
+    if (!windowed)
+        return;
+    const QScrollBar *inner = verticalScrollBar();
+    const QSignalBlocker blocker(m_rowBar);
+    m_rowBar->setRange(0, m_model->dataset().rowCount() - m_model->rowCount() + inner->maximum());
+    m_rowBar->setPageStep(inner->pageStep());
+    m_rowBar->setSingleStep(1);
+    m_rowBar->setValue(firstVisibleRow());
+}
+
+void DataTableView::moveWindow(int newStart, int firstRow)
+{
+    if (!m_model || !m_model->isWindowed())
+        return;
+    if (firstRow < 0)
+        firstRow = firstVisibleRow();
+    m_model->setWindowStart(newStart);
+    m_syncing = true;
+    verticalScrollBar()->setValue(firstRow - m_model->windowStart());
+    m_syncing = false;
+    const QSignalBlocker blocker(m_rowBar);
+    m_rowBar->setValue(firstVisibleRow());
+}
+
+void DataTableView::centreWindowOn(int datasetRow, int margin)
+{
+    if (!m_model || !m_model->isWindowed())
+        return;
+    const int start = m_model->windowStart();
+    const int end = start + m_model->rowCount();
+    const int rows = m_model->dataset().rowCount();
+    if ((datasetRow - start < margin && start > 0) || (end - datasetRow <= margin && end < rows)
+        || datasetRow < start || datasetRow >= end)
+        moveWindow(datasetRow - m_model->windowRows() / 2);
+}
+
+void DataTableView::onWindowMoved(int oldStart, int newStart)
+{
+    // The selection and the current cell keep their dataset rows; what falls outside
+    // the window is dropped, except that a range over every row of the window stays so.
+    QItemSelectionModel *selection = selectionModel();
+    if (!selection)
+        return;
+    const int shift = oldStart - newStart;
+    const int rows = m_model->rowCount();
+    QItemSelection moved;
+    for (const QItemSelectionRange &range : selection->selection()) {
+        int top = range.top();
+        int bottom = range.bottom();
+        if (top != 0 || bottom != rows - 1) {
+            top = qMax(0, top + shift);
+            bottom = qMin(rows - 1, bottom + shift);
+            if (top > bottom)
+                continue;
+        }
+        moved.select(m_model->index(top, range.left()), m_model->index(bottom, range.right()));
+    }
+    const QModelIndex current = selection->currentIndex();
+    selection->select(moved, QItemSelectionModel::ClearAndSelect);
+    if (current.isValid()) {
+        // A current cell left behind comes along to the window's edge, so that the keys
+        // go on from near what is shown.
+        const int row = qBound(0, current.row() + shift, rows - 1);
+        selection->setCurrentIndex(m_model->index(row, current.column()), QItemSelectionModel::NoUpdate);
+    }
+}
+
+void DataTableView::onInnerScrolled(int value)
+{
+    if (m_syncing || !m_model || !m_model->isWindowed())
+        return;
+    // Near an edge of the window, it moves on so that scrolling never stops short.
+    const int margin = qMax(verticalScrollBar()->pageStep() * 2, m_model->windowRows() / 4);
+    centreWindowOn(m_model->windowStart() + value, margin);
+    const QSignalBlocker blocker(m_rowBar);
+    m_rowBar->setValue(firstVisibleRow());
+}
+
+void DataTableView::onRowBarMoved(int value)
+{
+    if (!m_model || !m_model->isWindowed())
+        return;
+    const int inner = value - m_model->windowStart();
+    if (inner < 0 || inner > verticalScrollBar()->maximum()) {
+        moveWindow(value - m_model->windowRows() / 2, value);
+        return;
+    }
+    m_syncing = true;
+    verticalScrollBar()->setValue(inner);
+    m_syncing = false;
+}
+
+QModelIndex DataTableView::moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers)
+{
+    if (m_model && m_model->isWindowed()) {
+        const bool control = modifiers & Qt::ControlModifier;
+        const QModelIndex current = currentIndex();
+        if (control && cursorAction == MoveHome) {
+            moveWindow(0);
+        } else if (control && cursorAction == MoveEnd) {
+            moveWindow(m_model->dataset().rowCount());
+        } else if (current.isValid()) {
+            // Keys move from the current cell: it is kept well inside the window.
+            centreWindowOn(m_model->datasetRow(current.row()), verticalScrollBar()->pageStep() * 2 + 2);
+        }
+    }
+    return QTableView::moveCursor(cursorAction, modifiers);
 }
 
 void DataTableView::fitVisibleColumns()
@@ -266,40 +443,49 @@ void DataTableView::contextMenuEvent(QContextMenuEvent *event)
     menu.exec(event->globalPos());
 }
 
+QVector<QRect> DataTableView::selectedRanges() const
+{
+    QVector<QRect> ranges;
+    if (!m_model || !selectionModel())
+        return ranges;
+    const int windowRows = m_model->rowCount();
+    const bool windowed = m_model->isWindowed();
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        if (windowed && range.top() == 0 && range.bottom() == windowRows - 1)
+            ranges << QRect(range.left(), 0, range.width(), m_model->dataset().rowCount());
+        else
+            ranges << QRect(range.left(), m_model->datasetRow(range.top()), range.width(), range.height());
+    }
+    return ranges;
+}
+
 void DataTableView::selectedCells(Dataset &cells, bool withHeaders) const
 {
     cells.clear();
-    if (!m_model || !selectionModel())
+    const QVector<QRect> ranges = selectedRanges();
+    if (ranges.isEmpty())
         return;
-    const QItemSelection selection = selectionModel()->selection();
-    if (selection.isEmpty())
-        return;
-    int top = INT_MAX, left = INT_MAX, bottom = -1, right = -1;
-    for (const QItemSelectionRange &range : selection) {
-        top = qMin(top, range.top());
-        left = qMin(left, range.left());
-        bottom = qMax(bottom, range.bottom());
-        right = qMax(right, range.right());
-    }
+    QRect bounds;
+    for (const QRect &range : ranges)
+        bounds = bounds.united(range);
     const Dataset &dataset = m_model->dataset();
-    cells.setColumnCount(right - left + 1);
+    cells.setColumnCount(bounds.width());
     if (withHeaders) {
         QStringList headers;
-        for (int column = left; column <= right; ++column)
+        for (int column = bounds.left(); column <= bounds.right(); ++column)
             headers << dataset.headerText(column);
         cells.setHeaders(headers);
     }
-    cells.reserveRows(bottom - top + 1);
-    const bool whole = selection.size() == 1;
-    for (int row = top; row <= bottom; ++row) {
+    cells.reserveRows(bounds.height());
+    const bool whole = ranges.size() == 1;
+    for (int row = bounds.top(); row <= bounds.bottom(); ++row) {
         QStringList values;
-        values.reserve(right - left + 1);
-        const int datasetRow = m_model->datasetRow(row);
-        for (int column = left; column <= right; ++column) {
-            if (whole || selectionModel()->isSelected(m_model->index(row, column)))
-                values << dataset.cell(datasetRow, column);
-            else
-                values << QString();
+        values.reserve(bounds.width());
+        for (int column = bounds.left(); column <= bounds.right(); ++column) {
+            bool selected = whole;
+            for (int i = 0; !selected && i < ranges.size(); ++i)
+                selected = ranges.at(i).contains(column, row);
+            values << (selected ? dataset.cell(row, column) : QString());
         }
         cells.appendRow(values, true);
     }
@@ -308,11 +494,8 @@ void DataTableView::selectedCells(Dataset &cells, bool withHeaders) const
 qint64 DataTableView::selectedCellCount() const
 {
     qint64 count = 0;
-    if (selectionModel()) {
-        const QItemSelection selection = selectionModel()->selection();
-        for (const QItemSelectionRange &range : selection)
-            count += qint64(range.width()) * range.height();
-    }
+    for (const QRect &range : selectedRanges())
+        count += qint64(range.width()) * range.height();
     return count;
 }
 
@@ -328,13 +511,78 @@ void DataTableView::copySelection(bool withHeaders)
         if (answer != 0)
             return;
     }
-    Dataset cells;
-    selectedCells(cells, withHeaders);
-    if (cells.hasNoColumns())
+    const QVector<QRect> ranges = selectedRanges();
+    if (ranges.isEmpty())
         return;
+    QRect bounds;
+    for (const QRect &range : ranges)
+        bounds = bounds.united(range);
+    // Held by value: a run that replaces the table meanwhile doesn't disturb the copy.
+    const Dataset dataset = m_model->dataset();
+    const bool whole = ranges.size() == 1;
+    QString text;
+    QString html = QStringLiteral("<table>\n");
+    auto appendRow = [&](const QStringList &cells, QLatin1String tag) {
+        html += QLatin1String("<tr>");
+        for (int i = 0; i < cells.size(); ++i) {
+            if (i > 0)
+                text += QLatin1Char('\t');
+            text += quotedForTabs(cells.at(i));
+            html += QLatin1Char('<') + tag + QLatin1Char('>') + cells.at(i).toHtmlEscaped() + QLatin1String("</")
+                + tag + QLatin1Char('>');
+        }
+        text += QLatin1Char('\n');
+        html += QLatin1String("</tr>\n");
+    };
+    if (withHeaders)
+        appendRow(dataset.displayHeaders().mid(bounds.left(), bounds.width()), QLatin1String("th"));
+
+    // Long copies go in slices, with a progress dialog whose Cancel drops the copy.
+    const qint64 total = qint64(bounds.width()) * bounds.height();
+    // Owned by the view: if the view goes while events run, the dialog goes with it.
+    struct Owner
+    {
+        QPointer<QProgressDialog> dialog;
+        ~Owner() { delete dialog.data(); }
+    } owner;
+    QProgressDialog *progress = nullptr;
+    if (total > CopySliceCells) {
+        progress = new QProgressDialog(tr("Copying... %1%").arg(0), tr("Cancel"), 0, 100, this);
+        owner.dialog = progress;
+        progress->setWindowTitle(tr("Copy"));
+        progress->setWindowModality(Qt::WindowModal);
+        progress->setMinimumDuration(500);
+        progress->setAutoReset(false);
+        progress->setObjectName(QStringLiteral("copyProgress"));
+    }
+    QPointer<DataTableView> alive(this);
+    qint64 done = 0;
+    qint64 sliceEnd = CopySliceCells;
+    QStringList values;
+    for (int row = bounds.top(); row <= bounds.bottom(); ++row) {
+        values.clear();
+        for (int column = bounds.left(); column <= bounds.right(); ++column) {
+            bool selected = whole;
+            for (int i = 0; !selected && i < ranges.size(); ++i)
+                selected = ranges.at(i).contains(column, row);
+            values << (selected ? dataset.cell(row, column) : QString());
+        }
+        appendRow(values, QLatin1String("td"));
+        done += bounds.width();
+        if (progress && done >= sliceEnd) {
+            sliceEnd = done + CopySliceCells;
+            const int percent = int(done * 100 / total);
+            progress->setLabelText(tr("Copying... %1%").arg(percent));
+            progress->setValue(percent);
+            QCoreApplication::processEvents();
+            if (!alive || !owner.dialog || progress->wasCanceled())
+                return;
+        }
+    }
+    html += QLatin1String("</table>\n");
     auto *mime = new QMimeData;
-    mime->setText(cells.toTabSeparatedText(withHeaders));
-    mime->setHtml(cells.toHtml(withHeaders));
+    mime->setText(text);
+    mime->setHtml(html);
     QApplication::clipboard()->setMimeData(mime);
 }
 
@@ -343,8 +591,7 @@ bool DataTableView::goToCell(int datasetRow, int column)
     if (!m_model || datasetRow < 0 || datasetRow >= m_model->dataset().rowCount() || column < 0
         || column >= m_model->columnCount())
         return false;
-    if (m_model->modelRow(datasetRow) < 0)
-        emit windowMoveRequested(datasetRow);
+    centreWindowOn(datasetRow, verticalScrollBar()->pageStep() + 1);
     const int row = m_model->modelRow(datasetRow);
     if (row < 0)
         return false;

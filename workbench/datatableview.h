@@ -3,10 +3,12 @@
 #include "core/dataset.h"
 
 #include <QHash>
+#include <QItemSelection>
 #include <QStyledItemDelegate>
 #include <QTableView>
 
 class DatasetTableModel;
+class QScrollBar;
 
 // Draws a cell's display text, with the characters that stand for whitespace in the
 // secondary colour while whitespace is shown, and a small triangle in the corner of a
@@ -22,7 +24,10 @@ public:
 
 // A table view fitted for very long tables: fixed row heights, no wrapping, and column
 // widths measured over the first rows only, so that opening and scrolling read only the
-// cells on screen.
+// cells on screen. A table longer than the model's window scrolls with a scroll bar over
+// all its rows; the window follows, and the selection and current cell move with it. A
+// selection that covers every row of the window (a column header, Select All) stands for
+// every row of the table.
 class DataTableView : public QTableView
 {
     Q_OBJECT
@@ -35,6 +40,8 @@ public:
     static constexpr int UnfittedColumnWidth = 100;
     // A larger copy asks first.
     static constexpr qint64 MaxCellsWithoutAsking = 1000000;
+    // A copy runs in slices of this many cells, the window answering between them.
+    static constexpr qint64 CopySliceCells = 200000;
 
     explicit DataTableView(QWidget *parent = nullptr);
 
@@ -45,13 +52,25 @@ public:
     // The width a column is given: its header and first rows, measured, plus 16 px.
     int fittedWidth(int column, int rows) const;
 
-    // The bounding rectangle of the selection as text: tab-separated (with quoting) and
-    // as an HTML table. Empty when nothing is selected.
+    // The cells of the selection's bounding rectangle, unselected ones empty.
     void selectedCells(Dataset &cells, bool withHeaders) const;
+    // Puts the selection's bounding rectangle on the clipboard, tab-separated (with
+    // quoting) and as an HTML table; a long copy shows its progress and can be cancelled.
     void copySelection(bool withHeaders);
     qint64 selectedCellCount() const;
     // Makes a dataset cell current and scrolls it to the centre; false when out of range.
     bool goToCell(int datasetRow, int column);
+
+    // The scroll bar over all the rows of a windowed table (hidden otherwise).
+    QScrollBar *rowScrollBar() const { return m_rowBar; }
+    // The dataset row at the top of the viewport, and scrolling to put one there.
+    int firstVisibleRow() const;
+    void scrollToRow(int datasetRow);
+    // Scroll to the first and last row of the whole table.
+    void scrollToTop();
+    void scrollToBottom();
+    // The selection as dataset rows and columns: QRect(column, row, width, height) each.
+    QVector<QRect> selectedRanges() const;
 
     // Placed over the empty viewport, centred; empty hides it.
     void setOverlayText(const QString &text);
@@ -60,14 +79,13 @@ public:
 signals:
     // Asks for the linked rows of a dataset cell.
     void drilldownRequested(int datasetRow, int column);
-    // The current cell's dataset row lies outside the model's window.
-    void windowMoveRequested(int datasetRow);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void scrollContentsBy(int dx, int dy) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
+    QModelIndex moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers) override;
 
 private slots:
     void onModelReset();
@@ -79,6 +97,15 @@ private:
     void fitVisibleColumns();
     void setColumnWidthQuietly(int column, int width);
     bool hasLinks(const QModelIndex &index) const;
+    // Moves the model's window to start near newStart, with firstRow (by default the
+    // first visible row) at the top.
+    void moveWindow(int newStart, int firstRow = -1);
+    // Moves the window so that a dataset row lies in its middle, when it is near an edge.
+    void centreWindowOn(int datasetRow, int margin);
+    void onWindowMoved(int oldStart, int newStart);
+    void onInnerScrolled(int value);
+    void onRowBarMoved(int value);
+    void updateRowBar();
 
     DatasetTableModel *m_model = nullptr;
     QString m_overlayText;
@@ -86,4 +113,6 @@ private:
     // Widths the user dragged, by column identity, for the rest of the session.
     QHash<QPair<int, int>, int> m_userWidths;
     bool m_settingWidth = false;
+    QScrollBar *m_rowBar = nullptr;
+    bool m_syncing = false;
 };

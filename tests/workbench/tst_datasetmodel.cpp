@@ -10,7 +10,10 @@
 #include <QClipboard>
 #include <QHeaderView>
 #include <QMimeData>
+#include <QProgressDialog>
 #include <QScrollBar>
+#include <QTimer>
+#include <QWheelEvent>
 #include <QtTest>
 
 class TestDatasetModel : public QObject
@@ -26,10 +29,15 @@ private slots:
     void linksAndToolTip();
     void headers();
     void longTableReadsOnlyVisibleCells();
+    void windowFollowsScrolling_data();
+    void windowFollowsScrolling();
+    void windowKeepsSelection_data();
+    void windowKeepsSelection();
     void copy_data();
     void copy();
     void largeCopyAsks_data();
     void largeCopyAsks();
+    void largeCopyCancels();
     void find_data();
     void find();
     void findInvalidPattern();
@@ -189,9 +197,165 @@ void TestDatasetModel::longTableReadsOnlyVisibleCells()
     view.viewport()->repaint();
     QVERIFY2(model.cellReads() < 5000, qPrintable(QString::number(model.cellReads())));
     QVERIFY(model.cellReads() > 0);
-    QCOMPARE(view.rowAt(view.viewport()->height() - 2) >= 9999990
-            || view.rowAt(view.viewport()->height() - 2) == -1,
-        true);
+    // The last rows of the table, not of its first window, are on screen, numbered from 1.
+    const int bottom = view.rowAt(view.viewport()->height() - 2);
+    QVERIFY(bottom >= 0);
+    QCOMPARE(model.datasetRow(bottom) >= 9999990, true);
+    QCOMPARE(model.headerData(bottom, Qt::Vertical).toString(), QLocale().toString(model.datasetRow(bottom) + 1));
+    QVERIFY(view.rowScrollBar()->isVisible());
+    QCOMPARE(view.rowScrollBar()->value(), view.rowScrollBar()->maximum());
+    QVERIFY(!view.verticalScrollBar()->isVisible());
+}
+
+namespace {
+
+// rows rows of (row number from 1, "v"), shown through a window of windowRows rows.
+struct WindowedTable
+{
+    DatasetTableModel model;
+    DataTableView view;
+
+    WindowedTable(int rows, int windowRows)
+    {
+        Dataset dataset;
+        dataset.setColumnCount(2);
+        dataset.setHeaders({QStringLiteral("n"), QStringLiteral("v")});
+        for (int i = 0; i < rows; ++i)
+            dataset.appendRow({QString::number(i + 1), QStringLiteral("v")});
+        model.setWindowRows(windowRows);
+        model.setDataset(dataset);
+        view.setDatasetModel(&model);
+        view.resize(400, 300);
+        view.show();
+    }
+    // The row number shown in the top row and in the current cell's row.
+    int topNumber() const { return model.index(view.rowAt(0), 0).data().toInt(); }
+    int currentNumber() const { return view.currentIndex().siblingAtColumn(0).data().toInt(); }
+};
+
+} // namespace
+
+void TestDatasetModel::windowFollowsScrolling_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<int>("argument");
+    QTest::addColumn<int>("top"); // row number at the top of the view, 0 not checked
+    QTest::addColumn<int>("current"); // row number of the current cell, 0 not checked
+    // 1,000 rows through a window of 100.
+    QTest::newRow("scroll bar to row 500") << "bar" << 499 << 500 << 0;
+    QTest::newRow("scroll bar to the end shows the last row") << "end" << 0 << 0 << 0;
+    QTest::newRow("go to row 750") << "goto" << 750 << 0 << 750;
+    QTest::newRow("go to the last row") << "goto" << 1000 << 0 << 1000;
+    QTest::newRow("Ctrl+End") << "ctrlEnd" << 0 << 0 << 1000;
+    QTest::newRow("Ctrl+End then Ctrl+Home") << "ctrlHome" << 0 << 1 << 1;
+    QTest::newRow("Page Down past the window") << "pageDown" << 20 << 0 << 0;
+    QTest::newRow("Down past the window") << "down" << 150 << 0 << 151;
+    QTest::newRow("wheel past the window") << "wheel" << 60 << 0 << 0;
+}
+
+void TestDatasetModel::windowFollowsScrolling()
+{
+    QFETCH(QString, action);
+    QFETCH(int, argument);
+    QFETCH(int, top);
+    QFETCH(int, current);
+    WindowedTable table(1000, 100);
+    QVERIFY(QTest::qWaitForWindowExposed(&table.view));
+    QVERIFY(table.view.rowScrollBar()->isVisible());
+    QCOMPARE(table.model.rowCount(), 100);
+    table.view.setCurrentIndex(table.model.index(0, 0));
+    const int page = table.view.verticalScrollBar()->pageStep();
+    if (action == QLatin1String("bar")) {
+        table.view.rowScrollBar()->setValue(argument);
+    } else if (action == QLatin1String("end")) {
+        table.view.rowScrollBar()->setValue(table.view.rowScrollBar()->maximum());
+    } else if (action == QLatin1String("goto")) {
+        QVERIFY(table.view.goToCell(argument - 1, 0));
+    } else if (action == QLatin1String("ctrlEnd")) {
+        QTest::keyClick(&table.view, Qt::Key_End, Qt::ControlModifier);
+    } else if (action == QLatin1String("ctrlHome")) {
+        QTest::keyClick(&table.view, Qt::Key_End, Qt::ControlModifier);
+        QTest::keyClick(&table.view, Qt::Key_Home, Qt::ControlModifier);
+    } else if (action == QLatin1String("pageDown")) {
+        for (int i = 0; i < argument; ++i)
+            QTest::keyClick(&table.view, Qt::Key_PageDown);
+        // Each page moves on by about a screen.
+        QVERIFY(table.currentNumber() >= 1 + argument * (page - 1));
+        QVERIFY(table.currentNumber() <= 1 + argument * (page + 1));
+    } else if (action == QLatin1String("down")) {
+        for (int i = 0; i < argument; ++i)
+            QTest::keyClick(&table.view, Qt::Key_Down);
+    } else if (action == QLatin1String("wheel")) {
+        for (int i = 0; i < argument; ++i) {
+            QWheelEvent wheel(QPointF(50, 50), table.view.viewport()->mapToGlobal(QPoint(50, 50)), QPoint(),
+                QPoint(0, -120), Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(table.view.viewport(), &wheel);
+        }
+        // Three rows a notch, by the platform's default.
+        top = 1 + argument * QApplication::wheelScrollLines();
+    }
+    QApplication::processEvents();
+    if (top > 0)
+        QCOMPARE(table.topNumber(), top);
+    if (current > 0)
+        QVERIFY2(qAbs(table.currentNumber() - current) <= 1,
+            qPrintable(QStringLiteral("%1 instead of %2").arg(table.currentNumber()).arg(current)));
+    if (action == QLatin1String("end") || action == QLatin1String("ctrlEnd") || current == 1000) {
+        const int bottom = table.view.rowAt(table.view.viewport()->height() - 2);
+        QCOMPARE(table.model.index(bottom < 0 ? table.model.rowCount() - 1 : bottom, 0).data().toInt(), 1000);
+    }
+    // The big scroll bar always says where the view is. At the very end the top row may
+    // show in part, above the first whole one.
+    QCOMPARE(table.view.rowScrollBar()->value(), table.view.firstVisibleRow());
+    QVERIFY(qAbs(table.topNumber() - (table.view.firstVisibleRow() + 1)) <= 1);
+}
+
+void TestDatasetModel::windowKeepsSelection_data()
+{
+    QTest::addColumn<QString>("selection");
+    QTest::addColumn<int>("scrollTo"); // dataset row put at the top before the copy
+    QTest::addColumn<int>("copiedRows");
+    QTest::addColumn<QString>("firstLine");
+    QTest::newRow("cells stay selected as the window moves")
+        << "cells" << 80 << 3 << "51\tv";
+    QTest::newRow("a column header selects every row of the table")
+        << "column" << 0 << 1000 << "1";
+    QTest::newRow("a column stays whole after scrolling") << "column" << 700 << 1000 << "1";
+    QTest::newRow("Select All copies the whole table") << "all" << 900 << 1000 << "1\tv";
+    QTest::newRow("cells scrolled far out of the window are dropped")
+        << "cells" << 800 << 0 << "";
+}
+
+void TestDatasetModel::windowKeepsSelection()
+{
+    QFETCH(QString, selection);
+    QFETCH(int, scrollTo);
+    QFETCH(int, copiedRows);
+    QFETCH(QString, firstLine);
+    WindowedTable table(1000, 100);
+    QVERIFY(QTest::qWaitForWindowExposed(&table.view));
+    if (selection == QLatin1String("cells")) {
+        table.view.selectionModel()->select(
+            QItemSelection(table.model.index(50, 0), table.model.index(52, 1)), QItemSelectionModel::Select);
+    } else if (selection == QLatin1String("column")) {
+        QTest::mouseClick(table.view.horizontalHeader()->viewport(), Qt::LeftButton, Qt::NoModifier,
+            QPoint(table.view.horizontalHeader()->sectionViewportPosition(0) + 5, 5));
+    } else {
+        table.view.selectAll();
+    }
+    table.view.scrollToRow(scrollTo);
+    QApplication::processEvents();
+    QCOMPARE(table.view.firstVisibleRow(), scrollTo);
+    QApplication::clipboard()->setText(QStringLiteral("before"));
+    table.view.copySelection(false);
+    const QString text = QApplication::clipboard()->text();
+    if (copiedRows == 0) {
+        QCOMPARE(text, QStringLiteral("before"));
+        return;
+    }
+    QCOMPARE(text.count(QLatin1Char('\n')), copiedRows);
+    QCOMPARE(text.section(QLatin1Char('\n'), 0, 0), firstLine);
+    QCOMPARE(table.view.selectedCellCount(), qint64(copiedRows) * firstLine.count(QLatin1Char('\t')) + copiedRows);
 }
 
 void TestDatasetModel::copy_data()
@@ -268,6 +432,48 @@ void TestDatasetModel::largeCopyAsks()
     QCOMPARE(QApplication::clipboard()->text() != QLatin1String("before"), copied);
     if (copied)
         QCOMPARE(QApplication::clipboard()->text().size(), rows * 2);
+}
+
+void TestDatasetModel::largeCopyCancels()
+{
+    // A copy too long to make at once shows its progress; Cancel leaves the clipboard alone.
+    Dataset dataset;
+    dataset.setColumnCount(2);
+    const QStringList row = {QStringLiteral("a"), QStringLiteral("b")};
+    for (int i = 0; i < 600000; ++i)
+        dataset.appendRow(row);
+    DatasetTableModel model;
+    model.setDataset(dataset);
+    DataTableView view;
+    view.setDatasetModel(&model);
+    view.show();
+    view.selectAll();
+    ScriptedPrompts prompts;
+    prompts.answers << QStringLiteral("Copy");
+    Prompts::setInstance(&prompts);
+    QApplication::clipboard()->setText(QStringLiteral("before"));
+    int slices = 0;
+    QTimer canceller;
+    canceller.setInterval(0);
+    connect(&canceller, &QTimer::timeout, &view, [&] {
+        if (auto *progress = view.findChild<QProgressDialog *>(QStringLiteral("copyProgress"))) {
+            ++slices;
+            QVERIFY(progress->labelText().startsWith(QStringLiteral("Copying... ")));
+            progress->cancel();
+        }
+    });
+    canceller.start();
+    view.copySelection(false);
+    canceller.stop();
+    Prompts::setInstance(nullptr);
+    QCOMPARE(slices, 1);
+    QCOMPARE(QApplication::clipboard()->text(), QStringLiteral("before"));
+    // Without Cancel the same copy goes through whole.
+    prompts.answers << QStringLiteral("Copy");
+    Prompts::setInstance(&prompts);
+    view.copySelection(false);
+    Prompts::setInstance(nullptr);
+    QCOMPARE(QApplication::clipboard()->text().size(), 600000 * 4);
 }
 
 void TestDatasetModel::find_data()
