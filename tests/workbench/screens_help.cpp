@@ -3,6 +3,8 @@
 #include "screens.h"
 
 #include "app/application.h"
+#include "flow/graphscene.h"
+#include "flow/node.h"
 #include "workbench/helpwindow.h"
 #include "workbench/mainwindow.h"
 
@@ -14,6 +16,13 @@
 TABRELLE_SCREENS(helpWindow)
 {
     Q_UNUSED(workFolder)
+    // The picture of the window on the help's first page, help/images/window.png, is this
+    // shot with the Join selected, scaled to the width of a help page.
+    for (Node *node : window.scene()->nodes())
+        node->setSelected(node->name() == QLatin1String("Join"));
+    screens::settle(1000);
+    window.grab().scaledToWidth(760, Qt::SmoothTransformation).save(screens::folder() + QStringLiteral("/help-image-window.png"));
+
     HelpWindow::setTransformPrototypes(Application::instance()->transforms());
     HelpWindow::setShortcutActions(window.findChildren<QAction *>());
     HelpWindow::showContents();
