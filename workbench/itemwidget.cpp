@@ -3,6 +3,8 @@
 #include "core/settings.h"
 #include "flow/graphscene.h"
 #include "flow/node.h"
+#include "transforms/transformnode.h"
+#include "workbench/helpwindow.h"
 #include "workbench/prompts.h"
 #include "workbench/undo.h"
 
@@ -553,6 +555,11 @@ void ItemWidget::showHelp()
 {
     const QString topic = helpTopic();
     emit helpRequested(topic);
+    // A transform's page by its id; the other items' pages by their type.
+    if (qobject_cast<const TransformNode *>(m_node.data()))
+        HelpWindow::showTransform(topic);
+    else
+        HelpWindow::showItem(topic);
 }
 
 bool ItemWidget::offerToForgetDefaults(const QString &group, const QString &typeName)

@@ -13,6 +13,7 @@
 #include "inputs/inputdocument.h"
 #include "inputs/inputnode.h"
 #include "outputs/outputnode.h"
+#include "workbench/helpwindow.h"
 #include "workbench/itempane.h"
 #include "workbench/itemwidgetchart.h"
 #include "workbench/itemwidgetio.h"
@@ -60,6 +61,8 @@ private slots:
     void noteSteps_data();
     void noteSteps();
     void flowSummary();
+    void helpButton_data();
+    void helpButton();
 
 private:
     QPushButton *button(const QString &text) const;
@@ -679,6 +682,53 @@ void TestItemPanes::flowSummary()
     QCOMPARE(m_undoStack->text(0), QStringLiteral("flow notes change"));
     m_undoStack->undo();
     QCOMPARE(FlowItemWidget::notes(m_scene.get()), QString());
+}
+
+void TestItemPanes::helpButton_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("tip");
+    QTest::addColumn<QString>("topic");
+    QTest::newRow("input") << "input" << "Help on Input" << "Input";
+    QTest::newRow("output") << "output" << "Help on Output" << "Output";
+    QTest::newRow("chart") << "chart" << "Help on Chart" << "Chart";
+    QTest::newRow("note") << "note" << "Help on Note" << "Note";
+    QTest::newRow("flow") << "flow" << "Help on Flow" << "Flow";
+}
+
+void TestItemPanes::helpButton()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, tip);
+    QFETCH(QString, topic);
+    Node *node = m_input;
+    if (item == QLatin1String("output")) {
+        node = addOutput(0);
+    } else if (item == QLatin1String("chart")) {
+        node = new ChartNode;
+        m_scene->addNode(node);
+    } else if (item == QLatin1String("note")) {
+        node = new NoteNode;
+        m_scene->addNode(node);
+    } else if (item == QLatin1String("flow")) {
+        node = nullptr;
+    }
+    m_pane->setCurrentNode(node);
+    m_pane->show();
+    QToolButton *help = nullptr;
+    for (QToolButton *button : m_pane->itemWidget()->findChildren<QToolButton *>()) {
+        if (button->text() == QLatin1String("?"))
+            help = button;
+    }
+    QVERIFY(help);
+    QCOMPARE(help->toolTip(), tip);
+    QSignalSpy requested(m_pane.get(), &ItemPane::helpRequested);
+    QTest::mouseClick(help, Qt::LeftButton);
+    QCOMPARE(requested.size(), 1);
+    QCOMPARE(requested.first().first().toString(), topic);
+    QVERIFY(HelpWindow::existingInstance());
+    QVERIFY(HelpWindow::existingInstance()->isVisible());
+    HelpWindow::existingInstance()->close();
 }
 
 int main(int argc, char **argv)
