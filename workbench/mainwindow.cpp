@@ -1,6 +1,17 @@
 #include "mainwindow.h"
 
+#include "aboutdialog.h"
+#include "comparedialog.h"
+#include "connectdialog.h"
+#include "dialogutil.h"
+#include "exploreduplicatesdialog.h"
+#include "explorekeysdialog.h"
 #include "graphview.h"
+#include "insufficientmemorydialog.h"
+#include "missingfilesdialog.h"
+#include "preferencesdialog.h"
+#include "recentdocumentsdialog.h"
+#include "recoverydialog.h"
 #include "graphviewpainter.h"
 #include "prompts.h"
 #include "recentdocuments.h"
@@ -19,6 +30,7 @@
 #include "flow/node.h"
 #include "flow/notenode.h"
 #include "transforms/transform.h"
+#include "transforms/transformnode.h"
 
 #include <QAction>
 #include <QActionGroup>
@@ -198,6 +210,7 @@ MainWindow::~MainWindow()
     m_undoStack->clear();
     delete m_scene;
     m_scene = nullptr;
+    releaseRecoveryLocks();
     delete m_recoveryLock;
 }
 
@@ -291,6 +304,33 @@ void MainWindow::createActions()
     m_autoRunAction->setCheckable(true);
     m_autoRunAction->setIcon(standardIcon(QStyle::SP_BrowserReload));
     m_aboutAction = make(tr("&About Tabrelle"), QStringLiteral("aboutAction"));
+    m_aboutAction->setMenuRole(QAction::AboutRole);
+    m_recentDocumentsAction = make(tr("Recent &Documents..."), QStringLiteral("recentDocumentsAction"));
+    m_recoveredFlowsAction = make(tr("Recovered &Flows..."), QStringLiteral("recoveredFlowsAction"));
+    m_connectToAction = make(tr("Conn&ect To..."), QStringLiteral("connectToAction"), QKeySequence(tr("Ctrl+L")));
+    m_connectFromAction =
+        make(tr("Connect Fro&m..."), QStringLiteral("connectFromAction"), QKeySequence(tr("Ctrl+Shift+L")));
+    m_compareAction = make(tr("&Compare Items..."), QStringLiteral("compareAction"));
+    m_exploreKeysAction = make(tr("Explore &Keys..."), QStringLiteral("exploreKeysAction"));
+    m_exploreDuplicatesAction = make(tr("Explore &Duplicates..."), QStringLiteral("exploreDuplicatesAction"));
+    m_preferencesAction = make(tr("&Preferences..."), QStringLiteral("preferencesAction"));
+    m_preferencesAction->setShortcuts(QKeySequence::keyBindings(QKeySequence::Preferences).isEmpty()
+            ? QList<QKeySequence> {QKeySequence(tr("Ctrl+,"))}
+            : QKeySequence::keyBindings(QKeySequence::Preferences));
+    m_preferencesAction->setMenuRole(QAction::PreferencesRole);
+    connect(m_recentDocumentsAction, &QAction::triggered, this, &MainWindow::showRecentDocuments);
+    connect(m_recoveredFlowsAction, &QAction::triggered, this, [this] {
+        if (maybeSave())
+            offerRecovery();
+    });
+    connect(m_connectToAction, &QAction::triggered, this, [this] { showConnectDialog(true); });
+    connect(m_connectFromAction, &QAction::triggered, this, [this] { showConnectDialog(false); });
+    connect(m_compareAction, &QAction::triggered, this, &MainWindow::showCompareDialog);
+    connect(m_exploreKeysAction, &QAction::triggered, this, &MainWindow::exploreKeys);
+    connect(m_exploreDuplicatesAction, &QAction::triggered, this, &MainWindow::exploreDuplicates);
+    connect(m_preferencesAction, &QAction::triggered, this, &MainWindow::showPreferences);
+    if (m_settings)
+        connect(m_settings, &Settings::changed, this, &MainWindow::applySettingChange);
 
     // File.
     connect(m_newAction, &QAction::triggered, this, [this] {
@@ -322,6 +362,7 @@ void MainWindow::createActions()
         if (maybeSave()) {
             removeRecovery();
             newDocument();
+            applyStartupPreference();
         }
     });
     connect(m_quitAction, &QAction::triggered, this, &QWidget::close);
@@ -573,10 +614,7 @@ void MainWindow::createActions()
         if (on)
             m_scene->runChanges();
     });
-    connect(m_aboutAction, &QAction::triggered, this, [this] {
-        Prompts::instance()->information(this, tr("About Tabrelle"),
-            tr("Tabrelle %1\nFree Edition\nQt %2").arg(QCoreApplication::applicationVersion(), QString::fromLatin1(qVersion())));
-    });
+    connect(m_aboutAction, &QAction::triggered, this, &MainWindow::showAbout);
 
     // Escape stops a run while the canvas has focus.
     auto *escape = new QAction(m_view);
@@ -628,10 +666,12 @@ void MainWindow::createMenus()
     file->addAction(m_openAction);
     m_recentMenu = file->addMenu(tr("Open &Recent"));
     connect(m_recentMenu, &QMenu::aboutToShow, this, &MainWindow::rebuildRecentMenu);
+    file->addAction(m_recentDocumentsAction);
     file->addSeparator();
     file->addAction(m_saveAction);
     file->addAction(m_saveAsAction);
     file->addAction(m_revertAction);
+    file->addAction(m_recoveredFlowsAction);
     file->addSeparator();
     file->addAction(m_closeAction);
     file->addAction(m_quitAction);
@@ -682,6 +722,8 @@ void MainWindow::createMenus()
     });
     item->addAction(m_findTransformAction);
     item->addSeparator();
+    item->addAction(m_connectToAction);
+    item->addAction(m_connectFromAction);
     item->addAction(m_tidyLayoutAction);
     item->addAction(m_openFileAction);
     item->addAction(m_openFolderAction);
@@ -694,7 +736,35 @@ void MainWindow::createMenus()
     run->addSeparator();
     run->addAction(m_autoRunAction);
 
+    QMenu *tools = menuBar()->addMenu(tr("&Tools"));
+    tools->addAction(m_compareAction);
+    tools->addAction(m_exploreKeysAction);
+    tools->addAction(m_exploreDuplicatesAction);
+    tools->addSeparator();
+    tools->addAction(m_preferencesAction);
+
     QMenu *help = menuBar()->addMenu(tr("&Help"));
+    m_examplesMenu = help->addMenu(tr("&Examples"));
+    connect(m_examplesMenu, &QMenu::aboutToShow, this, [this] {
+        m_examplesMenu->clear();
+        const QString base = QCoreApplication::applicationDirPath();
+        QStringList folders {QDir(base).filePath(QStringLiteral("examples")),
+            QDir(base).filePath(QStringLiteral("../examples")), QDir(base).filePath(QStringLiteral("../share/tabrelle/examples"))};
+        for (const QString &folder : qAsConst(folders)) {
+            const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("*.tflow")}, QDir::Files, QDir::Name);
+            for (const QFileInfo &file : files) {
+                const QString path = file.absoluteFilePath();
+                QAction *action = m_examplesMenu->addAction(file.fileName());
+                action->setStatusTip(QDir::toNativeSeparators(path));
+                connect(action, &QAction::triggered, this, [this, path] { openDocument(path); });
+            }
+            if (!files.isEmpty())
+                break;
+        }
+        if (m_examplesMenu->isEmpty())
+            m_examplesMenu->addAction(tr("No examples found"))->setEnabled(false);
+    });
+    help->addSeparator();
     help->addAction(m_aboutAction);
 }
 
@@ -808,6 +878,7 @@ void MainWindow::setScene(GraphScene *scene)
     m_undoStack->clear();
     m_scene = scene;
     m_scene->setSettings(m_settings);
+    m_scene->setMemoryLimitHandler([this](double used, double &newLimit) { return askMemoryLimit(used, newLimit); });
     connect(m_scene, &GraphScene::statusMessage, this, &MainWindow::showStatus);
     connect(m_scene, &GraphScene::logMessage, this, &MainWindow::appendLog);
     connect(m_scene, &GraphScene::runningChanged, this, &MainWindow::onRunningChanged);
@@ -887,6 +958,7 @@ bool MainWindow::openDocument(const QString &path, bool askToSave)
     appendLog(tr("Opened: %1").arg(QDir::toNativeSeparators(m_documentPath)));
     if (!warnings.isEmpty())
         Prompts::instance()->information(this, tr("Open"), warnings);
+    afterInteractiveOpen(properties);
     QTimer::singleShot(0, this, [this] {
         m_view->zoomToFit();
         if (m_scene && m_scene->isAutoRun())
@@ -1061,45 +1133,70 @@ void MainWindow::writeRecovery()
         m_lastRecoveryState = state;
 }
 
-bool MainWindow::offerRecovery()
+QStringList MainWindow::recoverableFiles()
 {
+    releaseRecoveryLocks();
     const QDir folder(recoveryFolder(m_settings));
     const QStringList files = folder.entryList({QStringLiteral("recovery-*.tflow")}, QDir::Files, QDir::Time);
     const QString own = QFileInfo(recoveryPath()).fileName();
+    QStringList offered;
     for (const QString &file : files) {
         if (file == own)
             continue;
         const QString path = folder.filePath(file);
-        // A lock held by a live process belongs to an open window.
-        QLockFile lock(path + QStringLiteral(".lock"));
-        if (!lock.tryLock(0))
+        // A lock held by a live process belongs to an open window; a stale one is taken over.
+        auto *lock = new QLockFile(path + QStringLiteral(".lock"));
+        if (!lock->tryLock(0)) {
+            delete lock;
             continue;
-        const QString saved = QLocale().toString(QFileInfo(path).lastModified(), QLocale::ShortFormat);
-        const int answer = Prompts::instance()->ask(this, tr("Recover Flows"),
-            tr("Tabrelle did not close normally. These flows were saved for recovery:"),
-            tr("%1 - saved %2").arg(file, saved), {tr("&Open"), tr("&Discard"), tr("Decide &Later")}, 0, 2);
-        if (answer == 1) {
+        }
+        m_offeredLocks << lock;
+        offered << path;
+    }
+    return offered;
+}
+
+void MainWindow::releaseRecoveryLocks()
+{
+    qDeleteAll(m_offeredLocks);
+    m_offeredLocks.clear();
+}
+
+bool MainWindow::offerRecovery()
+{
+    for (;;) {
+        const QStringList files = recoverableFiles();
+        if (files.isEmpty())
+            return false;
+        RecoveryDialog dialog(files, this);
+        const bool accepted = DialogRunner::exec(&dialog) == QDialog::Accepted;
+        const QString path = dialog.chosenFile();
+        if (!accepted || dialog.choice() == RecoveryDialog::DecideLater || path.isEmpty()) {
+            releaseRecoveryLocks();
+            return false;
+        }
+        const QString name = QFileInfo(RecoveryDialog::documentPath(path)).fileName();
+        if (dialog.choice() == RecoveryDialog::Discard) {
             const int sure = Prompts::instance()->ask(this, tr("Recover Flows"),
-                tr("Discard the recovered flow '%1'? This can't be undone.").arg(file), QString(),
-                {tr("Discard"), tr("Cancel")}, 1, 1);
+                tr("Discard the recovered flow '%1'? This can't be undone.").arg(name.isEmpty() ? tr("Untitled") : name),
+                QString(), {tr("&Discard"), tr("Cancel")}, 1, 1);
             if (sure == 0) {
-                lock.unlock();
+                releaseRecoveryLocks();
                 QFile::remove(path);
                 QFile::remove(path + QStringLiteral(".lock"));
             }
             continue;
         }
-        if (answer != 0)
-            return false;
         auto *scene = new GraphScene(this);
         QString error;
         QString warnings;
         DocumentProperties properties;
         if (!Document::openDocument(*scene, path, &error, &warnings, &properties)) {
             delete scene;
+            releaseRecoveryLocks();
             Prompts::instance()->warning(
                 this, tr("Recover Flows"), tr("Unable to open '%1': %2").arg(QDir::toNativeSeparators(path), error));
-            continue;
+            return false;
         }
         m_properties = properties;
         m_documentPath = properties.docPath.isEmpty() ? QString() : QFileInfo(properties.docPath).absoluteFilePath();
@@ -1108,12 +1205,180 @@ bool MainWindow::offerRecovery()
         m_unrecordedChange = true;
         updateTitle();
         // This process keeps its own recovery file from now on.
-        lock.unlock();
+        releaseRecoveryLocks();
         QFile::remove(path);
+        QFile::remove(path + QStringLiteral(".lock"));
         writeRecovery();
+        if (!warnings.isEmpty())
+            Prompts::instance()->information(this, tr("Recover Flows"), warnings);
         return true;
     }
-    return false;
+}
+
+void MainWindow::startUp(const QString &commandLinePath)
+{
+    if (offerRecovery())
+        return;
+    if (!commandLinePath.isEmpty()) {
+        openDocument(commandLinePath, false);
+        return;
+    }
+    applyStartupPreference();
+}
+
+void MainWindow::applyStartupPreference()
+{
+    const int action = m_settings ? m_settings->intValue(QStringLiteral("startup_action")) : 1;
+    if (action == 2) {
+        QString path = m_settings->stringValue(QStringLiteral("startup_document"));
+        if (!path.isEmpty() && QFileInfo(path).isRelative())
+            path = QDir(QCoreApplication::applicationDirPath()).absoluteFilePath(path);
+        if (!path.isEmpty()) {
+            if (!QFileInfo::exists(path))
+                Prompts::instance()->warning(this, tr("Open"),
+                    tr("Unable to open '%1': %2").arg(QDir::toNativeSeparators(path), tr("the file does not exist")));
+            else
+                openDocument(path, false);
+        }
+        return;
+    }
+    // With nothing recent, the recent documents dialog would be empty: an empty flow it is.
+    if (action == 0 && m_settings && !RecentDocuments::entries(m_settings).isEmpty())
+        showRecentDocuments();
+}
+
+void MainWindow::showRecentDocuments()
+{
+    if (m_runActive)
+        return;
+    RecentDocumentsDialog dialog(m_settings, this);
+    if (DialogRunner::exec(&dialog) != QDialog::Accepted)
+        return;
+    switch (dialog.choice()) {
+    case RecentDocumentsDialog::OpenDocument:
+        openDocument(dialog.chosenPath());
+        break;
+    case RecentDocumentsDialog::NewFlow:
+        if (maybeSave())
+            newDocument();
+        break;
+    case RecentDocumentsDialog::OpenOther:
+        m_openAction->trigger();
+        break;
+    default:
+        break;
+    }
+}
+
+void MainWindow::showPreferences()
+{
+    PreferencesDialog dialog(m_settings, this);
+    DialogRunner::exec(&dialog);
+}
+
+void MainWindow::showAbout()
+{
+    if (m_scene)
+        m_scene->flushRowCounter();
+    AboutDialog dialog(m_settings, this);
+    DialogRunner::exec(&dialog);
+}
+
+void MainWindow::showConnectDialog(bool to)
+{
+    Node *node = m_view->currentNode();
+    if (!node || !m_scene || m_runActive)
+        return;
+    ConnectDialog dialog(m_scene, node, to ? ConnectDialog::To : ConnectDialog::From, m_undoStack, this);
+    DialogRunner::exec(&dialog);
+    updateActions();
+}
+
+void MainWindow::showCompareDialog()
+{
+    if (!m_scene)
+        return;
+    QList<Node *> preset;
+    for (Node *node : m_scene->selectedNodes()) {
+        if (node->status() == Node::UpToDate)
+            preset << node;
+    }
+    auto *dialog = new CompareDialog(m_scene, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    if (preset.size() == 2)
+        dialog->setItems(preset.at(0), preset.at(1));
+    if (DialogRunner::isScripted())
+        DialogRunner::exec(dialog);
+    else
+        dialog->show();
+}
+
+void MainWindow::exploreKeys()
+{
+    auto *node = qobject_cast<TransformNode *>(m_view->currentNode());
+    if (!node || !node->transform()->canExploreKeys() || m_runActive)
+        return;
+    ExploreKeysDialog dialog(node, this, m_undoStack);
+    DialogRunner::exec(&dialog);
+}
+
+void MainWindow::exploreDuplicates()
+{
+    auto *node = qobject_cast<TransformNode *>(m_view->currentNode());
+    if (!node || !node->transform()->canExploreDuplicates() || m_runActive)
+        return;
+    ExploreDuplicatesDialog dialog(node, this, m_undoStack);
+    DialogRunner::exec(&dialog);
+}
+
+bool MainWindow::askMemoryLimit(double usedGb, double &newLimitGb)
+{
+    const double limit = m_settings ? m_settings->maxMemoryUsageGb() : 0;
+    return InsufficientMemoryDialog::ask(this, usedGb, limit, Settings::physicalMemoryGb(), newLimitGb);
+}
+
+void MainWindow::afterInteractiveOpen(const DocumentProperties &properties)
+{
+    if (!properties.locale.isEmpty()) {
+        const QLocale locale(properties.locale);
+        if (locale.bcp47Name() != QLocale().bcp47Name()) {
+            QLocale::setDefault(locale);
+            Prompts::instance()->information(this, tr("Open"),
+                tr("This flow uses the locale %1 (%2), so numbers and dates are now read and written as in that locale.")
+                    .arg(locale.bcp47Name(),
+                        QStringLiteral("%1, %2").arg(locale.nativeLanguageName(), locale.nativeCountryName())));
+        }
+    }
+    if (!MissingFilesDialog::missingInputs(m_scene).isEmpty()) {
+        MissingFilesDialog dialog(m_scene, m_undoStack, this);
+        DialogRunner::exec(&dialog);
+    }
+}
+
+void MainWindow::applySettingChange(const QString &key)
+{
+    if (!m_settings)
+        return;
+    if (key == QLatin1String("theme")) {
+        const int theme = m_settings->intValue(key);
+        QAction *action = theme == 1 ? m_lightThemeAction : theme == 2 ? m_darkThemeAction : m_desktopThemeAction;
+        if (!action->isChecked())
+            action->trigger();
+    } else if (key == QLatin1String("show_advanced_transforms")) {
+        m_showAdvancedAction->setChecked(m_settings->boolValue(key));
+    } else if (key == QLatin1String("auto_recovery_minutes")) {
+        const int minutes = m_settings->intValue(key);
+        m_recoveryTimer->stop();
+        disconnect(m_recoveryTimer, &QTimer::timeout, this, &MainWindow::writeRecovery);
+        if (minutes > 0) {
+            connect(m_recoveryTimer, &QTimer::timeout, this, &MainWindow::writeRecovery);
+            m_recoveryTimer->start(minutes * 60 * 1000);
+        }
+    } else if (key == QLatin1String("undo_limit") && m_undoStack->count() == 0) {
+        m_undoStack->setUndoLimit(m_settings->intValue(key));
+    } else if (key == QLatin1String("max_memory_usage")) {
+        updateMemoryLabel();
+    }
 }
 
 void MainWindow::removeRecovery()
@@ -1227,6 +1492,15 @@ void MainWindow::updateActions()
     m_openFileAction->setEnabled(io && !io->path().isEmpty());
     m_openFolderAction->setEnabled(io && !io->path().isEmpty());
     m_renameAction->setEnabled(io != nullptr);
+    auto *transformNode = qobject_cast<TransformNode *>(current);
+    const Transform *transform = transformNode ? transformNode->transform() : nullptr;
+    m_exploreKeysAction->setEnabled(transform && transform->canExploreKeys() && !running);
+    m_exploreDuplicatesAction->setEnabled(transform && transform->canExploreDuplicates() && !running);
+    m_connectToAction->setEnabled(current && !running);
+    m_connectFromAction->setEnabled(current && !running);
+    m_recentDocumentsAction->setEnabled(!running);
+    m_recoveredFlowsAction->setEnabled(!running);
+    m_compareAction->setEnabled(m_scene && m_scene->nodes().size() >= 2);
     updateRunActions();
 }
 

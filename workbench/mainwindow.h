@@ -70,6 +70,27 @@ public:
     // At start: offers the recovery files that no running window holds. True when one was
     // opened.
     bool offerRecovery();
+    // The recovery files no running window holds, newest first; each is locked by this
+    // window until released with releaseRecoveryLocks.
+    QStringList recoverableFiles();
+    // What a start without a document on the command line opens: a recovered flow first,
+    // then the start-up preference (recent documents, an empty flow or a chosen flow).
+    // commandLinePath, when set, is opened instead of the preference.
+    void startUp(const QString &commandLinePath = QString());
+    // The start-up preference alone, as File > Close also follows it.
+    void applyStartupPreference();
+
+    // The dialogs of the menus, opened modally or, for the explore dialogs, as the
+    // caller's exec() does.
+    void showRecentDocuments();
+    void showPreferences();
+    void showAbout();
+    void showConnectDialog(bool to);
+    void showCompareDialog();
+    void exploreKeys();
+    void exploreDuplicates();
+    // Asked by a run that passed the memory limit.
+    bool askMemoryLimit(double usedGb, double &newLimitGb);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -102,6 +123,9 @@ private:
     void removeRecovery();
     QWidget *focusTarget() const;
     QMenu *createTransformMenu(const QString &title, QWidget *parent, const QPointF *at);
+    void afterInteractiveOpen(const DocumentProperties &properties);
+    void applySettingChange(const QString &key);
+    void releaseRecoveryLocks();
 
     Settings *m_settings;
     QList<Transform *> m_prototypes;
@@ -141,6 +165,7 @@ private:
     QByteArray m_lastRecoveryState;
     QLockFile *m_recoveryLock = nullptr;
     bool m_recoveryOff = false;
+    QList<QLockFile *> m_offeredLocks;
 
 public:
     // Actions, by the names of the menus.
@@ -155,4 +180,7 @@ public:
         *m_openFileAction, *m_openFolderAction;
     QAction *m_runChangesAction, *m_runEverythingAction, *m_runSelectedAction, *m_runStopAction, *m_autoRunAction;
     QAction *m_aboutAction;
+    QAction *m_recentDocumentsAction, *m_recoveredFlowsAction, *m_connectToAction, *m_connectFromAction,
+        *m_compareAction, *m_exploreKeysAction, *m_exploreDuplicatesAction, *m_preferencesAction;
+    QMenu *m_examplesMenu = nullptr;
 };

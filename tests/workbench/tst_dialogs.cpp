@@ -1,9 +1,24 @@
 #include "canvastestutil.h"
 
+#include "core/settings.h"
+#include "flow/maxmemoryexception.h"
+#include "outputs/outputnode.h"
 #include "transforms/parameter.h"
 #include "transforms/transformnode.h"
+#include "workbench/comparedialog.h"
+#include "workbench/connectdialog.h"
+#include "workbench/dialogutil.h"
 #include "workbench/exploreduplicatesdialog.h"
 #include "workbench/explorekeysdialog.h"
+#include "workbench/insufficientmemorydialog.h"
+#include "workbench/preferencesdialog.h"
+#include "workbench/prompts.h"
+#include "workbench/recentdocuments.h"
+#include "workbench/recentdocumentsdialog.h"
+
+#include <QDoubleSpinBox>
+#include <QRadioButton>
+#include <QLineEdit>
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -36,6 +51,26 @@ private slots:
     void exploreDuplicatesGroups_data();
     void exploreDuplicatesGroups();
     void exploreDuplicatesUseTheseOptionsIsOneStep();
+
+    void compareCounts_data();
+    void compareCounts();
+    void compareNextDifference();
+
+    void preferencesWriteOnOkAndApplyOnly_data();
+    void preferencesWriteOnOkAndApplyOnly();
+    void preferencesRestoreDefaults();
+    void blockedExtensionsAreCleaned_data();
+    void blockedExtensionsAreCleaned();
+
+    void recentDocumentsFilter_data();
+    void recentDocumentsFilter();
+    void recentDocumentsPinAndMissing();
+
+    void insufficientMemory_data();
+    void insufficientMemory();
+
+    void connectDialog_data();
+    void connectDialog();
 
 private:
     // Two pasted inputs, top above bottom, joined; everything run.
@@ -473,6 +508,366 @@ void TestDialogs::exploreDuplicatesUseTheseOptionsIsOneStep()
     QVERIFY(transform->parameter(QStringLiteral("Ignore_Punctuation"))->boolValue());
     QVERIFY(!transform->parameter(QStringLiteral("Ignore_Spaces"))->boolValue());
     QCOMPARE(transform->parameter(QStringLiteral("Dedupe_Mode"))->selectionText(), QStringLiteral("Mark duplicates"));
+}
+
+// ----- Compare
+
+void TestDialogs::compareCounts_data()
+{
+    QTest::addColumn<QString>("left");
+    QTest::addColumn<QString>("right");
+    QTest::addColumn<bool>("byKey");
+    QTest::addColumn<bool>("byHeader");
+    QTest::addColumn<QString>("options"); // c: case insensitive, w: trim, n: numbers
+    QTest::addColumn<QString>("rowsLine");
+    QTest::addColumn<QString>("columnsLine");
+    QTest::addColumn<QString>("cellsLine");
+
+    QTest::newRow("identical") << "a,b\n1,x\n2,y\n" << "a,b\n1,x\n2,y\n" << false << false << ""
+                               << "2 matched rows, 0 only in left, 0 only in right"
+                               << "2 matched columns, 0 only in left, 0 only in right" << "The datasets are identical";
+    QTest::newRow("by row number, longer right") << "a,b\n1,x\n2,y\n" << "a,b\n1,x\n2,Y\n3,z\n" << false << false << ""
+                                                 << "2 matched rows, 0 only in left, 1 only in right"
+                                                 << "2 matched columns, 0 only in left, 0 only in right"
+                                                 << "1 cells differ in 1 rows";
+    QTest::newRow("case ignored") << "a,b\n1,x\n2,y\n" << "a,b\n1,X\n2,y\n" << false << false << "c"
+                                  << "2 matched rows, 0 only in left, 0 only in right"
+                                  << "2 matched columns, 0 only in left, 0 only in right" << "The datasets are identical";
+    QTest::newRow("numbers as numbers") << "a,b\n1,1.50\n2,3\n" << "a,b\n1,1.5\n2,3.0\n" << false << false << "n"
+                                        << "2 matched rows, 0 only in left, 0 only in right"
+                                        << "2 matched columns, 0 only in left, 0 only in right"
+                                        << "The datasets are identical";
+    QTest::newRow("numbers as text") << "a,b\n1,1.50\n2,3\n" << "a,b\n1,1.5\n2,3.0\n" << false << false << ""
+                                     << "2 matched rows, 0 only in left, 0 only in right"
+                                     << "2 matched columns, 0 only in left, 0 only in right"
+                                     << "2 cells differ in 2 rows";
+    QTest::newRow("by key, reordered") << "id,v\n1,a\n2,b\n3,c\n" << "id,v\n3,c\n1,A\n4,d\n" << true << false << ""
+                                       << "2 matched rows, 1 only in left, 1 only in right"
+                                       << "2 matched columns, 0 only in left, 0 only in right"
+                                       << "1 cells differ in 1 rows";
+    QTest::newRow("columns by header") << "id,v,w\n1,a,b\n" << "w,id,z\n b,1,q\n" << false << true << "w"
+                                       << "1 matched rows, 0 only in left, 0 only in right"
+                                       << "2 matched columns, 1 only in left, 1 only in right"
+                                       << "0 cells differ in 0 rows";
+}
+
+void TestDialogs::compareCounts()
+{
+    QFETCH(QString, left);
+    QFETCH(QString, right);
+    QFETCH(bool, byKey);
+    QFETCH(bool, byHeader);
+    QFETCH(QString, options);
+    QFETCH(QString, rowsLine);
+    QFETCH(QString, columnsLine);
+    QFETCH(QString, cellsLine);
+    Node *a = addInput(*m_scene, QPointF(0, 0), left);
+    Node *b = addInput(*m_scene, QPointF(0, 150), right);
+    m_scene->runEverything();
+    CompareDialog dialog(m_scene);
+    dialog.setItems(a, b);
+    if (byKey) {
+        QComboBox *match = dialog.findChild<QComboBox *>(QStringLiteral("matchRowsCombo"));
+        match->setCurrentIndex(1);
+        dialog.findChild<QComboBox *>(QStringLiteral("leftKeyCombo"))->setCurrentIndex(0);
+        dialog.findChild<QComboBox *>(QStringLiteral("rightKeyCombo"))->setCurrentIndex(0);
+    }
+    dialog.findChild<QComboBox *>(QStringLiteral("matchColumnsCombo"))->setCurrentIndex(byHeader ? 1 : 0);
+    dialog.findChild<QCheckBox *>(QStringLiteral("caseSensitiveCheck"))->setChecked(!options.contains(QLatin1Char('c')));
+    dialog.findChild<QCheckBox *>(QStringLiteral("whitespaceCheck"))->setChecked(options.contains(QLatin1Char('w')));
+    dialog.findChild<QCheckBox *>(QStringLiteral("numbersCheck"))->setChecked(options.contains(QLatin1Char('n')));
+    dialog.findChild<QPushButton *>(QStringLiteral("compareButton"))->click();
+    QTRY_VERIFY(!dialog.isComparing());
+    const QStringList lines = dialog.summaryLines();
+    QVERIFY2(lines.contains(rowsLine), qPrintable(lines.join(QLatin1Char('|'))));
+    QVERIFY2(lines.contains(columnsLine), qPrintable(lines.join(QLatin1Char('|'))));
+    QVERIFY2(lines.contains(cellsLine), qPrintable(lines.join(QLatin1Char('|'))));
+}
+
+void TestDialogs::compareNextDifference()
+{
+    Node *a = addInput(*m_scene, QPointF(0, 0), QStringLiteral("a,b\n1,x\n2,y\n3,z\n"));
+    Node *b = addInput(*m_scene, QPointF(0, 150), QStringLiteral("a,b\n1,X\n2,y\n4,z\n"));
+    m_scene->runEverything();
+    CompareDialog dialog(m_scene);
+    dialog.setItems(a, b);
+    dialog.compare();
+    QTableView *grid = dialog.findChild<QTableView *>(QStringLiteral("compareGrid"));
+    dialog.nextDifference();
+    QCOMPARE(grid->currentIndex().row(), 0);
+    QCOMPARE(grid->currentIndex().column(), 2);
+    QCOMPARE(grid->currentIndex().data(Qt::ToolTipRole).toString(), QStringLiteral("Left: 'x'\nRight: 'X'"));
+    dialog.nextDifference();
+    QCOMPARE(grid->currentIndex().row(), 2);
+    QCOMPARE(grid->currentIndex().column(), 1);
+    dialog.nextDifference(); // wraps
+    QCOMPARE(grid->currentIndex().row(), 0);
+    dialog.previousDifference();
+    QCOMPARE(grid->currentIndex().row(), 2);
+    QVERIFY(dialog.report().contains(QStringLiteral("1\tb\tx\tX")));
+}
+
+// ----- Preferences
+
+void TestDialogs::preferencesWriteOnOkAndApplyOnly_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<bool>("written");
+    QTest::addColumn<bool>("open");
+    QTest::newRow("OK") << "okButton" << true << false;
+    QTest::newRow("Apply") << "applyButton" << true << true;
+    QTest::newRow("Cancel") << "cancelButton" << false << false;
+}
+
+void TestDialogs::preferencesWriteOnOkAndApplyOnly()
+{
+    QFETCH(QString, button);
+    QFETCH(bool, written);
+    QFETCH(bool, open);
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("prefs.ini")));
+    PreferencesDialog dialog(&settings);
+    dialog.show();
+    QCOMPARE(dialog.pageTitles(), (QStringList {"General", "Performance", "Dates", "Appearance", "Input Extensions",
+                                      "Output Extensions"}));
+    dialog.findChild<QSpinBox *>(QStringLiteral("recentMax"))->setValue(25);
+    dialog.findChild<QLineEdit *>(QStringLiteral("userName"))->setText(QStringLiteral("Ada"));
+    dialog.findChild<QRadioButton *>(QStringLiteral("startupEmpty"))->setChecked(true);
+    dialog.findChild<QSpinBox *>(QStringLiteral("maxCellChars"))->setValue(500);
+    dialog.findChild<QListWidget *>(QStringLiteral("inputBlocked"))->addItem(QStringLiteral(".EXE "));
+    dialog.findChild<QPushButton *>(button)->click();
+    QCOMPARE(settings.intValue(QStringLiteral("recent_documents_max")), written ? 25 : 10);
+    QCOMPARE(settings.stringValue(QStringLiteral("user_name")), written ? QStringLiteral("Ada") : QString());
+    QCOMPARE(settings.intValue(QStringLiteral("startup_action")), written ? 1 : 0);
+    QCOMPARE(settings.intValue(QStringLiteral("table_max_cell_chars")), written ? 500 : 1000);
+    QCOMPARE(settings.blockedExtensions(true), written ? QStringList {"exe"} : QStringList());
+    // Keys the user left alone are not written.
+    QVERIFY(!settings.contains(QStringLiteral("undo_limit")));
+    QCOMPARE(dialog.isVisible(), open);
+}
+
+void TestDialogs::preferencesRestoreDefaults()
+{
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("prefs.ini")));
+    settings.setValue(QStringLiteral("undo_limit"), 50);
+    settings.setValue(QStringLiteral("theme"), 2);
+    PreferencesDialog dialog(&settings);
+    QSpinBox *undo = dialog.findChild<QSpinBox *>(QStringLiteral("undoLimit"));
+    QComboBox *theme = dialog.findChild<QComboBox *>(QStringLiteral("theme"));
+    QCOMPARE(undo->value(), 50);
+    QCOMPARE(theme->currentIndex(), 2);
+    // Restore Defaults acts on the page shown, and writes nothing until applied.
+    dialog.setCurrentPage(0);
+    dialog.findChild<QPushButton *>(QStringLiteral("restoreDefaultsButton"))->click();
+    QCOMPARE(undo->value(), 200);
+    QCOMPARE(theme->currentIndex(), 2);
+    QCOMPARE(settings.intValue(QStringLiteral("undo_limit")), 50);
+    dialog.setCurrentPage(3);
+    dialog.findChild<QPushButton *>(QStringLiteral("restoreDefaultsButton"))->click();
+    QCOMPARE(theme->currentIndex(), 0);
+    dialog.findChild<QPushButton *>(QStringLiteral("applyButton"))->click();
+    QCOMPARE(settings.intValue(QStringLiteral("undo_limit")), 200);
+    QCOMPARE(settings.intValue(QStringLiteral("theme")), 0);
+}
+
+void TestDialogs::blockedExtensionsAreCleaned_data()
+{
+    QTest::addColumn<QStringList>("typed");
+    QTest::addColumn<QStringList>("stored");
+    QTest::newRow("dots, case and blanks") << QStringList {".EXE", " Bat ", "..sh"} << QStringList {"exe", "bat", "sh"};
+    QTest::newRow("duplicates once") << QStringList {"exe", "EXE", ".exe"} << QStringList {"exe"};
+    QTest::newRow("empty lines dropped") << QStringList {"", " ", ".", "csv"} << QStringList {"csv"};
+}
+
+void TestDialogs::blockedExtensionsAreCleaned()
+{
+    QFETCH(QStringList, typed);
+    QFETCH(QStringList, stored);
+    QCOMPARE(PreferencesDialog::cleanExtensions(typed), stored);
+}
+
+// ----- Recent documents
+
+void TestDialogs::recentDocumentsFilter_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QStringList>("names");
+    QTest::newRow("no filter") << "" << QStringList {"sales.tflow", "gone.tflow", "contacts.tflow"};
+    QTest::newRow("one word") << "sales" << QStringList {"sales.tflow"};
+    QTest::newRow("case folded") << "CONTACTS" << QStringList {"contacts.tflow"};
+    QTest::newRow("two words") << "tflow gone" << QStringList {"gone.tflow"};
+    QTest::newRow("no match") << "nothing" << QStringList {};
+}
+
+void TestDialogs::recentDocumentsFilter()
+{
+    QFETCH(QString, filter);
+    QFETCH(QStringList, names);
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("recent.ini")));
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    for (const QString &name : {QStringLiteral("contacts.tflow"), QStringLiteral("gone.tflow"), QStringLiteral("sales.tflow")}) {
+        const QString path = folder.filePath(name);
+        if (name != QLatin1String("gone.tflow")) {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+        }
+        RecentDocuments::add(&settings, path, now.addSecs(RecentDocuments::entries(&settings).size()));
+    }
+    RecentDocumentsDialog dialog(&settings);
+    dialog.setFilter(filter);
+    QStringList shown;
+    for (const QString &path : dialog.shownPaths())
+        shown << QFileInfo(path).fileName();
+    QCOMPARE(shown, names);
+}
+
+void TestDialogs::recentDocumentsPinAndMissing()
+{
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("recent.ini")));
+    const QString first = folder.filePath(QStringLiteral("first.tflow"));
+    const QString second = folder.filePath(QStringLiteral("second.tflow"));
+    const QString gone = folder.filePath(QStringLiteral("gone.tflow"));
+    for (const QString &path : {first, second}) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    RecentDocuments::add(&settings, first, now.addSecs(-30));
+    RecentDocuments::add(&settings, gone, now.addSecs(-20));
+    RecentDocuments::add(&settings, second, now.addSecs(-10));
+    RecentDocumentsDialog dialog(&settings);
+    QCOMPARE(dialog.shownPaths(), (QStringList {second, gone, first}));
+
+    // Pinning puts an entry first and the button then unpins.
+    dialog.selectPath(first);
+    QPushButton *pin = dialog.findChild<QPushButton *>(QStringLiteral("pinButton"));
+    pin->click();
+    QCOMPARE(dialog.shownPaths(), (QStringList {first, second, gone}));
+    QCOMPARE(pin->text(), QStringLiteral("&Unpin"));
+    pin->click();
+    QCOMPARE(dialog.shownPaths(), (QStringList {second, gone, first}));
+
+    // A missing file is in italics, and opening it offers to remove it.
+    QTreeWidget *list = dialog.findChild<QTreeWidget *>(QStringLiteral("documentList"));
+    QVERIFY(list->topLevelItem(1)->font(0).italic());
+    QVERIFY(!list->topLevelItem(0)->font(0).italic());
+    QCOMPARE(list->topLevelItem(1)->toolTip(1), QStringLiteral("File not found"));
+    ScriptedPrompts prompts;
+    Prompts::setInstance(&prompts);
+    prompts.answers << QStringLiteral("Keep");
+    dialog.selectPath(gone);
+    dialog.openSelected();
+    QCOMPARE(prompts.asked, QStringList {QStringLiteral("'%1' not found.").arg(QDir::toNativeSeparators(gone))});
+    QCOMPARE(dialog.shownPaths().size(), 3);
+    QCOMPARE(dialog.result(), int(QDialog::Rejected));
+    prompts.answers << QStringLiteral("Remove");
+    dialog.openSelected();
+    QCOMPARE(dialog.shownPaths(), (QStringList {second, first}));
+    QCOMPARE(RecentDocuments::entries(&settings).size(), 2);
+    // An existing file is the choice.
+    dialog.selectPath(first);
+    dialog.openSelected();
+    QCOMPARE(dialog.choice(), RecentDocumentsDialog::OpenDocument);
+    QCOMPARE(dialog.chosenPath(), first);
+    Prompts::setInstance(nullptr);
+}
+
+// ----- Insufficient Memory
+
+void TestDialogs::insufficientMemory_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<double>("typed");
+    QTest::addColumn<bool>("throws");
+    QTest::addColumn<double>("storedLimit");
+    QTest::newRow("continue with the offered maximum") << "continueButton" << 0.0 << false << 9.0;
+    QTest::newRow("continue with a typed maximum") << "continueButton" << 12.5 << false << 12.5;
+    QTest::newRow("close Tabrelle") << "closeButton" << 0.0 << true << 4.0;
+}
+
+void TestDialogs::insufficientMemory()
+{
+    QFETCH(QString, button);
+    QFETCH(double, typed);
+    QFETCH(bool, throws);
+    QFETCH(double, storedLimit);
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("memory.ini")));
+    settings.setValue(QStringLiteral("max_memory_usage"), 4.0);
+    m_scene->setSettings(&settings);
+    m_scene->setMemoryProbe([] { return 6.0; });
+    QString message;
+    m_scene->setMemoryLimitHandler([&](double used, double &newLimit) {
+        return InsufficientMemoryDialog::ask(nullptr, used, settings.maxMemoryUsageGb(), 16.0, newLimit);
+    });
+    DialogRunner::setScript([&](QDialog *dialog) {
+        auto *memory = qobject_cast<InsufficientMemoryDialog *>(dialog);
+        QVERIFY(memory);
+        message = memory->message();
+        // Escape and closing the window decide nothing.
+        QTest::keyClick(dialog, Qt::Key_Escape);
+        QVERIFY(!dialog->close());
+        if (typed > 0)
+            memory->setNewLimit(typed);
+        dialog->findChild<QPushButton *>(button)->click();
+    });
+    Node *input = addInput(*m_scene, QPointF(0, 0));
+    bool thrown = false;
+    try {
+        GraphScene::reportProgress(input, 0.5);
+    } catch (const MaxMemoryException &) {
+        thrown = true;
+    }
+    DialogRunner::setScript(DialogRunner::Script());
+    m_scene->setSettings(nullptr);
+    QCOMPARE(thrown, throws);
+    QCOMPARE(settings.maxMemoryUsageGb(), storedLimit);
+    QVERIFY(message.startsWith(
+        QStringLiteral("Tabrelle is using 6.0 GB of memory, more than the maximum of 4.0 GB set in 'Preferences'.")));
+    QVERIFY(message.contains(QStringLiteral("This computer has 16.0 GB of memory.")));
+}
+
+// ----- Connect To and Connect From
+
+void TestDialogs::connectDialog_data()
+{
+    QTest::addColumn<bool>("to");
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QStringList>("shown");
+    QTest::newRow("to: transforms and outputs") << true << "" << QStringList {"Sort (Transform)", "Output (Output)"};
+    QTest::newRow("to, filtered") << true << "out" << QStringList {"Output (Output)"};
+    QTest::newRow("from: the inputs") << false << "" << QStringList {"Input (Input)"};
+    QTest::newRow("from, filtered to none") << false << "zzz" << QStringList {};
+}
+
+void TestDialogs::connectDialog()
+{
+    QFETCH(bool, to);
+    QFETCH(QString, filter);
+    QFETCH(QStringList, shown);
+    Node *input = addInput(*m_scene, QPointF(0, 0));
+    input->setName(QStringLiteral("Input"));
+    auto *sort = new TransformNode(prototype(QStringLiteral("Sort"))->clone());
+    sort->setPos(200, 0);
+    m_scene->addNode(sort);
+    auto *output = new OutputNode;
+    output->setPos(400, 0);
+    output->setName(QStringLiteral("Output"));
+    m_scene->addNode(output);
+    Node *node = to ? input : sort;
+    ConnectDialog dialog(m_scene, node, to ? ConnectDialog::To : ConnectDialog::From, m_undo);
+    QCOMPARE(dialog.windowTitle(), to ? QStringLiteral("Connect 'Input' To") : QStringLiteral("Connect 'Sort' From"));
+    dialog.setFilter(filter);
+    QCOMPARE(dialog.shownItems(), shown);
+    // Enter connects to the first candidate shown, as one step.
+    QTest::keyClick(dialog.findChild<QLineEdit *>(QStringLiteral("filter")), Qt::Key_Return);
+    QCOMPARE(m_undo->count(), shown.isEmpty() ? 0 : 1);
+    QCOMPARE(m_scene->connections().size(), shown.isEmpty() ? 0 : 1);
+    if (!shown.isEmpty())
+        QCOMPARE(m_undo->undoText(), QStringLiteral("connect"));
 }
 
 CANVAS_TEST_MAIN(TestDialogs)

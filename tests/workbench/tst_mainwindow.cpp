@@ -4,6 +4,10 @@
 #include "workbench/mainwindow.h"
 #include "workbench/prompts.h"
 #include "workbench/recentdocuments.h"
+#include "workbench/dialogutil.h"
+#include "workbench/recoverydialog.h"
+#include "transforms/transformnode.h"
+#include <QPushButton>
 
 #include "core/settings.h"
 #include "flow/document.h"
@@ -35,6 +39,12 @@ private slots:
     void openFailureSaysWhy();
     void recoveryOffered_data();
     void recoveryOffered();
+    void recoveryDiscardAndLater_data();
+    void recoveryDiscardAndLater();
+    void startupChoice_data();
+    void startupChoice();
+    void dialogsOpenFromTheirActions_data();
+    void dialogsOpenFromTheirActions();
     void shortcutsAreUnique();
     void mnemonicsAreUniqueInEachMenu();
     void everyActionHasText();
@@ -59,6 +69,7 @@ void TestMainWindow::init()
 void TestMainWindow::cleanup()
 {
     m_prompts.answers = QStringList({QStringLiteral("Don't Save")});
+    DialogRunner::setScript(DialogRunner::Script());
     delete m_window;
     Prompts::setInstance(nullptr);
     FileDialogs::setInstance(nullptr);
@@ -264,8 +275,21 @@ void TestMainWindow::recoveryOffered()
     QLockFile other(path + QStringLiteral(".lock"));
     if (heldByLiveWindow)
         QVERIFY(other.tryLock(0));
-    m_prompts.answers << QStringLiteral("Open");
+    QStringList rows;
+    DialogRunner::setScript([&rows](QDialog *dialog) {
+        auto *recovery = qobject_cast<RecoveryDialog *>(dialog);
+        QVERIFY(recovery);
+        rows = recovery->rows();
+        dialog->findChild<QPushButton *>(QStringLiteral("openButton"))->click();
+    });
     QCOMPARE(m_window->offerRecovery(), opened);
+    if (!heldByLiveWindow) {
+        QCOMPARE(rows.size(), 1);
+        QVERIFY(rows.first().startsWith(content.isEmpty() ? QStringLiteral("lost.tflow - saved ")
+                                                          : QStringLiteral("Untitled - saved ")));
+    } else {
+        QVERIFY(rows.isEmpty());
+    }
     QCOMPARE(m_prompts.warnings.size(), warnings);
     if (opened) {
         QCOMPARE(m_window->scene()->nodes().size(), 2);
@@ -280,6 +304,142 @@ void TestMainWindow::recoveryOffered()
     other.unlock();
     QFile::remove(path);
     QFile::remove(m_window->recoveryPath());
+}
+
+void TestMainWindow::recoveryDiscardAndLater_data()
+{
+    QTest::addColumn<QString>("button");
+    QTest::addColumn<QStringList>("answers");
+    QTest::addColumn<bool>("fileKept");
+    QTest::addColumn<int>("offers");
+    QTest::newRow("decide later") << "laterButton" << QStringList() << true << 1;
+    QTest::newRow("discard") << "discardButton" << QStringList {"Discard"} << false << 1;
+    QTest::newRow("discard, then cancel") << "discardButton" << QStringList {"Cancel"} << true << 2;
+}
+
+void TestMainWindow::recoveryDiscardAndLater()
+{
+    QFETCH(QString, button);
+    QFETCH(QStringList, answers);
+    QFETCH(bool, fileKept);
+    QFETCH(int, offers);
+    const QString folder = MainWindow::recoveryFolder(Application::instance()->settings());
+    QVERIFY(QDir().mkpath(folder));
+    const QString path = QDir(folder).filePath(QStringLiteral("recovery-999998.tflow"));
+    {
+        GraphScene scene;
+        addInput(scene, QPointF(0, 0));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(Document::documentText(scene, DocumentProperties()));
+    }
+    m_prompts.answers = answers;
+    int offered = 0;
+    DialogRunner::setScript([&](QDialog *dialog) {
+        // After a cancelled discard the flow is offered again; then it is left for later.
+        dialog->findChild<QPushButton *>(++offered == 1 ? button : QStringLiteral("laterButton"))->click();
+    });
+    QVERIFY(!m_window->offerRecovery());
+    QCOMPARE(offered, offers);
+    QCOMPARE(QFileInfo::exists(path), fileKept);
+    // Decide Later lets go of the file: another window may take it.
+    if (fileKept) {
+        QLockFile lock(path + QStringLiteral(".lock"));
+        QVERIFY(lock.tryLock(0));
+    }
+    QFile::remove(path);
+    QFile::remove(path + QStringLiteral(".lock"));
+}
+
+void TestMainWindow::startupChoice_data()
+{
+    QTest::addColumn<int>("action");
+    QTest::addColumn<bool>("withRecent");
+    QTest::addColumn<bool>("withDocument");
+    QTest::addColumn<QString>("dialogShown");
+    QTest::addColumn<int>("nodes");
+    QTest::newRow("recent documents") << 0 << true << false << "RecentDocumentsDialog" << 0;
+    QTest::newRow("recent documents, none yet") << 0 << false << false << "" << 0;
+    QTest::newRow("empty flow") << 1 << true << false << "" << 0;
+    QTest::newRow("this flow") << 2 << true << true << "" << 2;
+    QTest::newRow("this flow, missing") << 2 << false << false << "" << 0;
+}
+
+void TestMainWindow::startupChoice()
+{
+    QFETCH(int, action);
+    QFETCH(bool, withRecent);
+    QFETCH(bool, withDocument);
+    QFETCH(QString, dialogShown);
+    QFETCH(int, nodes);
+    Settings *settings = Application::instance()->settings();
+    const QString flow = m_folder.filePath(QStringLiteral("start.tflow"));
+    {
+        GraphScene scene;
+        addInput(scene, QPointF(0, 0));
+        addInput(scene, QPointF(0, 100));
+        QFile file(flow);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(Document::documentText(scene, DocumentProperties()));
+    }
+    settings->setValue(QStringLiteral("recent_documents"), QVariant());
+    settings->remove(QStringLiteral("recent_documents"));
+    if (withRecent)
+        RecentDocuments::add(settings, flow);
+    settings->setValue(QStringLiteral("startup_action"), action);
+    settings->setValue(QStringLiteral("startup_document"),
+        withDocument ? flow : m_folder.filePath(QStringLiteral("missing.tflow")));
+    QString shown;
+    DialogRunner::setScript([&shown](QDialog *dialog) {
+        shown = dialog->objectName();
+        dialog->reject();
+    });
+    m_window->startUp();
+    QCOMPARE(shown, dialogShown);
+    QCOMPARE(m_window->scene()->nodes().size(), nodes);
+    QCOMPARE(m_prompts.warnings.size(), action == 2 && !withDocument ? 1 : 0);
+    settings->remove(QStringLiteral("startup_action"));
+    settings->remove(QStringLiteral("startup_document"));
+    settings->remove(QStringLiteral("recent_documents"));
+}
+
+void TestMainWindow::dialogsOpenFromTheirActions_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("dialog");
+    QTest::newRow("preferences") << "preferencesAction" << "PreferencesDialog";
+    QTest::newRow("about") << "aboutAction" << "AboutDialog";
+    QTest::newRow("compare") << "compareAction" << "CompareDialog";
+    QTest::newRow("connect to") << "connectToAction" << "ConnectDialog";
+    QTest::newRow("connect from") << "connectFromAction" << "ConnectDialog";
+    QTest::newRow("explore keys") << "exploreKeysAction" << "ExploreKeysDialog";
+    QTest::newRow("recent documents") << "recentDocumentsAction" << "RecentDocumentsDialog";
+}
+
+void TestMainWindow::dialogsOpenFromTheirActions()
+{
+    QFETCH(QString, action);
+    QFETCH(QString, dialog);
+    m_window->scene()->setAutoRun(false);
+    Node *top = addInput(*m_window->scene(), QPointF(0, 0), QStringLiteral("k\na\n"));
+    Node *bottom = addInput(*m_window->scene(), QPointF(0, 150), QStringLiteral("k\na\n"));
+    auto *join = new TransformNode(prototype(QStringLiteral("Join"))->clone());
+    join->setPos(200, 50);
+    m_window->scene()->addNode(join);
+    m_window->scene()->connectNodes(top, join);
+    m_window->scene()->connectNodes(bottom, join);
+    m_window->scene()->runEverything();
+    m_window->view()->setCurrentNode(join);
+    QString shown;
+    DialogRunner::setScript([&shown](QDialog *d) {
+        shown = d->objectName();
+        d->reject();
+    });
+    QAction *trigger = m_window->action(action);
+    QVERIFY(trigger);
+    QVERIFY2(trigger->isEnabled(), qPrintable(action));
+    trigger->trigger();
+    QCOMPARE(shown, dialog);
 }
 
 void TestMainWindow::shortcutsAreUnique()
