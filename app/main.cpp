@@ -39,8 +39,7 @@ int main(int argc, char **argv)
     application.setWindowStarter([&application](const CommandLine &line) {
         MainWindow window(application.settings(), application.transforms());
         window.show();
-        if (!window.offerRecovery() && !line.documentPath.isEmpty())
-            window.openDocument(line.documentPath, false);
+        window.startUp(line.documentPath);
         return application.exec();
     });
     QCoreApplication::processEvents();
