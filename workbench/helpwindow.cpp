@@ -120,11 +120,19 @@ HelpWindow::HelpWindow(QWidget *parent)
     m_browser->setOpenLinks(false);
     m_browser->setOpenExternalLinks(false);
     m_browser->setSearchPaths({QStringLiteral(":/help")});
-    m_browser->setShortcutsMarkdown([] {
+    m_browser->setShortcutsMarkdown([this] {
         QList<QAction *> actions;
         for (const QPointer<QAction> &action : qAsConst(s_actions)) {
             if (action)
                 actions << action.data();
+        }
+        // Without actions given, those of the program's other main windows.
+        if (s_actions.isEmpty()) {
+            const QWidgetList windows = QApplication::topLevelWidgets();
+            for (QWidget *widget : windows) {
+                if (widget != this && qobject_cast<QMainWindow *>(widget))
+                    actions << widget->findChildren<QAction *>();
+            }
         }
         return shortcutsMarkdown(actions);
     });

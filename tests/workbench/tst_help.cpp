@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QRegularExpression>
 #include <QTextFrame>
 #include <QTextTable>
@@ -44,6 +45,7 @@ private slots:
     void backAndForward();
     void shortcutsPage_data();
     void shortcutsPage();
+    void shortcutsOfMainWindows();
     void findInPage_data();
     void findInPage();
     void onlyOneWindow();
@@ -432,6 +434,28 @@ void TestHelp::shortcutsPage()
     HelpWindow::showShortcuts();
     QVERIFY(!window->browser()->toPlainText().contains(QStringLiteral("Run Everything")));
     delete action;
+}
+
+void TestHelp::shortcutsOfMainWindows()
+{
+    // Without actions given, the page lists those of the program's main windows.
+    HelpWindow::setShortcutActions({});
+    QMainWindow main;
+    auto *action = new QAction(QStringLiteral("&Batch Process..."), &main);
+    action->setShortcut(QKeySequence(QStringLiteral("Ctrl+B")));
+    main.addAction(action);
+    HelpWindow::showShortcuts();
+    HelpWindow *window = HelpWindow::existingInstance();
+    QVERIFY(window->browser()->toPlainText().contains(QStringLiteral("Batch Process")));
+    // The help window's own actions are listed in their own line, not in the table.
+    QVERIFY(!window->browser()->toPlainText().contains(QStringLiteral("Zoom In\t")));
+    auto *given = new QAction(QStringLiteral("&Run Selected"), &main);
+    given->setShortcut(QKeySequence(QStringLiteral("Ctrl+Return")));
+    HelpWindow::setShortcutActions({given});
+    HelpWindow::showShortcuts();
+    QVERIFY(!window->browser()->toPlainText().contains(QStringLiteral("Batch Process")));
+    QVERIFY(window->browser()->toPlainText().contains(QStringLiteral("Run Selected")));
+    HelpWindow::setShortcutActions({});
 }
 
 void TestHelp::findInPage_data()
