@@ -191,8 +191,15 @@ HelpWindow::HelpWindow(QWidget *parent)
     m_tree->setHeaderHidden(true);
     m_tree->setColumnCount(1);
     m_tree->setUniformRowHeights(true);
+    // Moving through the tree, by mouse or keys, shows each page; Enter or a double-click on
+    // a branch opens or closes it.
+    m_tree->setExpandsOnDoubleClick(false);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem *item) {
+        const QString page = item ? item->data(0, Qt::UserRole).toString() : QString();
+        if (!page.isEmpty() && page != currentPage())
+            showPage(page);
+    });
     connect(m_tree, &QTreeWidget::itemActivated, this, &HelpWindow::onTreeItemActivated);
-    connect(m_tree, &QTreeWidget::itemClicked, this, &HelpWindow::onTreeItemActivated);
     leftLayout->addWidget(m_searchEdit);
     leftLayout->addWidget(m_searchHint);
     leftLayout->addWidget(m_tree, 1);

@@ -35,6 +35,7 @@ private slots:
     void showTransform_data();
     void showTransform();
     void contentsTree();
+    void treeShowsPages();
     void indexFromNodeFactory();
     void search_data();
     void search();
@@ -259,6 +260,29 @@ void TestHelp::contentsTree()
     }
     QCOMPARE(categories, QStringList({"Merge", "Column", "Row", "Format", "Analysis", "Other"}));
     QCOMPARE(listed, Application::instance()->transforms().size());
+}
+
+void TestHelp::treeShowsPages()
+{
+    HelpWindow::showContents();
+    HelpWindow *window = HelpWindow::existingInstance();
+    QTreeWidget *tree = window->contentsTree();
+    tree->setFocus();
+    // Down from "Getting started" goes to the Items branch, which has no page of its own,
+    // then to its first page.
+    QTest::keyClick(tree, Qt::Key_Down);
+    QCOMPARE(window->currentPage(), QStringLiteral("index.md"));
+    QTest::keyClick(tree, Qt::Key_Down);
+    QCOMPARE(window->currentPage(), QStringLiteral("items/input.md"));
+    // Enter on a branch closes and opens it.
+    QTreeWidgetItem *items = tree->topLevelItem(1);
+    tree->setCurrentItem(items);
+    QVERIFY(items->isExpanded());
+    QTest::keyClick(tree, Qt::Key_Return);
+    QVERIFY(!items->isExpanded());
+    QTest::keyClick(tree, Qt::Key_Return);
+    QVERIFY(items->isExpanded());
+    QCOMPARE(window->currentPage(), QStringLiteral("items/input.md"));
 }
 
 void TestHelp::indexFromNodeFactory()
