@@ -208,7 +208,10 @@ void DataTableView::onModelReset()
     }
     // Row numbers of the whole table fit the row header wherever the window is.
     const int rows = dataset ? dataset->rowCount() : 0;
-    const QFontMetrics metrics(verticalHeader()->font());
+    // The current row's number is drawn in bold.
+    QFont bold = verticalHeader()->font();
+    bold.setBold(true);
+    const QFontMetrics metrics(bold);
     verticalHeader()->setMinimumWidth(metrics.horizontalAdvance(QLocale().toString(qMax(1, rows))) + 12);
     updateRowBar();
     viewport()->update();
@@ -310,8 +313,15 @@ void DataTableView::onWindowMoved(int oldStart, int newStart)
     if (current.isValid()) {
         // A current cell left behind comes along to the window's edge, so that the keys
         // go on from near what is shown.
+        // Without scrolling to it: the rows on screen stay where they are.
         const int row = qBound(0, current.row() + shift, rows - 1);
+        const bool autoScrolling = hasAutoScroll();
+        const bool syncing = m_syncing;
+        setAutoScroll(false);
+        m_syncing = true;
         selection->setCurrentIndex(m_model->index(row, current.column()), QItemSelectionModel::NoUpdate);
+        m_syncing = syncing;
+        setAutoScroll(autoScrolling);
     }
 }
 

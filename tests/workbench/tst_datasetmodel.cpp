@@ -251,6 +251,8 @@ void TestDatasetModel::windowFollowsScrolling_data()
     QTest::newRow("Page Down past the window") << "pageDown" << 20 << 0 << 0;
     QTest::newRow("Down past the window") << "down" << 150 << 0 << 151;
     QTest::newRow("wheel past the window") << "wheel" << 60 << 0 << 0;
+    QTest::newRow("go to row 500, then the end: the current cell stays put")
+        << "gotoThenEnd" << 500 << 0 << 0;
 }
 
 void TestDatasetModel::windowFollowsScrolling()
@@ -271,6 +273,9 @@ void TestDatasetModel::windowFollowsScrolling()
         table.view.rowScrollBar()->setValue(table.view.rowScrollBar()->maximum());
     } else if (action == QLatin1String("goto")) {
         QVERIFY(table.view.goToCell(argument - 1, 0));
+    } else if (action == QLatin1String("gotoThenEnd")) {
+        QVERIFY(table.view.goToCell(argument - 1, 0));
+        table.view.scrollToBottom();
     } else if (action == QLatin1String("ctrlEnd")) {
         QTest::keyClick(&table.view, Qt::Key_End, Qt::ControlModifier);
     } else if (action == QLatin1String("ctrlHome")) {
@@ -300,7 +305,8 @@ void TestDatasetModel::windowFollowsScrolling()
     if (current > 0)
         QVERIFY2(qAbs(table.currentNumber() - current) <= 1,
             qPrintable(QStringLiteral("%1 instead of %2").arg(table.currentNumber()).arg(current)));
-    if (action == QLatin1String("end") || action == QLatin1String("ctrlEnd") || current == 1000) {
+    if (action == QLatin1String("end") || action == QLatin1String("ctrlEnd") || action == QLatin1String("gotoThenEnd")
+        || current == 1000) {
         const int bottom = table.view.rowAt(table.view.viewport()->height() - 2);
         QCOMPARE(table.model.index(bottom < 0 ? table.model.rowCount() - 1 : bottom, 0).data().toInt(), 1000);
     }
