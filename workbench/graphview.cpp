@@ -24,7 +24,11 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QGraphicsPathItem>
+#include <QGraphicsTextItem>
 #include <QInputDialog>
+#include <QPainter>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QKeyEvent>
 #include <QMimeData>
 #include <QMouseEvent>
@@ -35,6 +39,8 @@
 #include <QUrl>
 #include <QWheelEvent>
 #include <QtMath>
+
+#include <functional>
 
 namespace {
 
@@ -75,6 +81,87 @@ bool canHaveDownstream(const Node *node)
 
 } // namespace
 
+// The text field over a note being edited: the note's own colours and font, growing as
+// the text does, with the note's padding around it.
+class NoteEditor : public QGraphicsTextItem
+{
+public:
+    static constexpr qreal Padding = 8.0;
+    static constexpr qreal TextWidth = 224.0; // the widest note's text
+
+    NoteEditor(NoteNode *note, std::function<void(bool)> finished)
+        : QGraphicsTextItem(note)
+        , m_note(note)
+        , m_finished(std::move(finished))
+    {
+        document()->setDocumentMargin(0);
+        setFont(QFont());
+        setDefaultTextColor(note->color().lightness() < 128 ? QColor(0xF0, 0xF0, 0xF0) : QColor(0x20, 0x20, 0x20));
+        setPlainText(note->text());
+        setTextWidth(TextWidth);
+        setPos(Padding, Padding);
+        setTextInteractionFlags(Qt::TextEditorInteraction);
+        // The note's size when the edit began: a shorter text still covers the old one.
+        const QRectF box = note->boundingRect();
+        m_least = QRectF(-Padding - 1, -Padding - 1, box.width() - 24, box.height() - 24);
+    }
+
+    QRectF boundingRect() const override
+    {
+        return QGraphicsTextItem::boundingRect().adjusted(-Padding - 1, -Padding - 1, Padding, Padding).united(m_least);
+    }
+
+    void paint(QPainter *painter, const QStyleOptionGraphicsItem *option, QWidget *widget) override
+    {
+        painter->save();
+        painter->setRenderHint(QPainter::Antialiasing);
+        painter->setPen(QPen(CanvasTheme::current().accent, 1.5));
+        painter->setBrush(m_note ? m_note->color() : QColor(Qt::white));
+        painter->drawRoundedRect(boundingRect().adjusted(0.75, 0.75, -0.75, -0.75), 4, 4);
+        painter->restore();
+        QGraphicsTextItem::paint(painter, option, widget);
+    }
+
+    void finish(bool keep)
+    {
+        if (m_done)
+            return;
+        m_done = true;
+        if (m_finished)
+            m_finished(keep);
+    }
+    bool isDone() const { return m_done; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape) {
+            finish(false);
+            return;
+        }
+        if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+            && (event->modifiers() & Qt::ControlModifier)) {
+            finish(true);
+            return;
+        }
+        QGraphicsTextItem::keyPressEvent(event);
+    }
+
+    void focusOutEvent(QFocusEvent *event) override
+    {
+        QGraphicsTextItem::focusOutEvent(event);
+        // A context menu or another window taking focus for a moment is no end.
+        if (event->reason() != Qt::PopupFocusReason && event->reason() != Qt::ActiveWindowFocusReason)
+            finish(true);
+    }
+
+private:
+    QPointer<NoteNode> m_note;
+    std::function<void(bool)> m_finished;
+    QRectF m_least;
+    bool m_done = false;
+};
+
 GraphView::GraphView(QWidget *parent)
     : QGraphicsView(parent)
 {
@@ -97,6 +184,10 @@ GraphView::GraphView(QWidget *parent)
 
 GraphView::~GraphView()
 {
+    if (m_noteEditor) {
+        const QSignalBlocker blocker(this);
+        finishNoteEdit(false);
+    }
     if (GraphViewPainter::instance()->currentNode() == m_current)
         GraphViewPainter::instance()->setCurrentNode(nullptr);
     GraphViewPainter::instance()->setHoveredNode(nullptr);
@@ -105,6 +196,8 @@ GraphView::~GraphView()
 
 void GraphView::setGraphScene(GraphScene *scene, QUndoStack *undoStack)
 {
+    if (m_noteEditor)
+        finishNoteEdit(false);
     if (m_scene)
         disconnect(m_scene, nullptr, this, nullptr);
     cancelConnectionDrag();
@@ -232,20 +325,34 @@ void GraphView::drawBackground(QPainter *painter, const QRectF &rect)
 {
     const CanvasTheme &theme = CanvasTheme::current();
     painter->fillRect(rect, theme.background);
-    const qreal step = zoom() >= 0.5 ? GridStep : GridStep * 4;
-    const qreal dot = 1.0 / qMax(0.25, zoom());
+    qreal step = zoom() >= 0.5 ? GridStep : GridStep * 4;
     if (zoom() * step < 6)
         return;
-    painter->save();
-    painter->setPen(Qt::NoPen);
-    painter->setBrush(theme.gridDots);
+    // Far out, every other dot, so that the dots stay a texture rather than a fog.
+    while (zoom() * step < 12)
+        step *= 2;
+    // Dots as small device-pixel squares without antialiasing, which the raster engine
+    // fills as spans: thousands of them cost well under a millisecond.
+    const QTransform toDevice = painter->worldTransform();
+    if (toDevice.type() > QTransform::TxScale)
+        return;
     const qreal left = qFloor(rect.left() / step) * step;
     const qreal top = qFloor(rect.top() / step) * step;
-    QVector<QRectF> dots;
-    for (qreal x = left; x < rect.right(); x += step)
-        for (qreal y = top; y < rect.bottom(); y += step)
-            dots << QRectF(x - dot / 2, y - dot / 2, dot * 1.5, dot * 1.5);
-    painter->drawRects(dots);
+    const QPointF origin = toDevice.map(QPointF(left, top));
+    const qreal stepX = step * toDevice.m11();
+    const qreal stepY = step * toDevice.m22();
+    const QRectF device = toDevice.mapRect(rect);
+    QVector<QRect> dots;
+    dots.reserve(int((device.width() / stepX + 2) * (device.height() / stepY + 2)));
+    for (qreal x = origin.x(); x < device.right(); x += stepX)
+        for (qreal y = origin.y(); y < device.bottom(); y += stepY)
+            dots << QRect(qRound(x) - 1, qRound(y) - 1, 2, 2);
+    painter->save();
+    painter->resetTransform();
+    painter->setRenderHint(QPainter::Antialiasing, false);
+    painter->setPen(Qt::NoPen);
+    painter->setBrush(theme.gridDots);
+    painter->drawRects(dots.constData(), dots.size());
     painter->restore();
 }
 
@@ -299,6 +406,8 @@ void GraphView::onAboutToRestore(GraphScene *scene)
 {
     if (scene != m_scene)
         return;
+    if (m_noteEditor)
+        finishNoteEdit(false);
     cancelConnectionDrag();
     m_moving = false;
     m_moveStart.clear();
@@ -612,7 +721,7 @@ Node *GraphView::addOutput(const QString &path)
     return output;
 }
 
-Node *GraphView::addChart(const QString &path)
+Node *GraphView::addChart(const QString &path, const QPointF *at)
 {
     if (!m_scene || !m_editingEnabled)
         return nullptr;
@@ -629,7 +738,7 @@ Node *GraphView::addChart(const QString &path)
         }
         chart->setOptions(options);
         Node *from = m_current && canHaveDownstream(m_current) ? m_current : nullptr;
-        chart->setPos(freePosition(from ? from->pos() + QPointF(StepX, 0) : viewCentre()));
+        chart->setPos(freePosition(at ? *at : from ? from->pos() + QPointF(StepX, 0) : viewCentre()));
         m_scene->addNode(chart);
         if (from)
             m_scene->connectNodes(from, chart);
@@ -656,7 +765,59 @@ Node *GraphView::addNote(const QPointF *at)
     }
     placeAndSelect({note});
     emit editingDone();
+    editNote(note, true);
     return note;
+}
+
+void GraphView::editNote(NoteNode *note, bool selectAll)
+{
+    if (!note || !m_scene || !m_editingEnabled || note->scene() != m_scene)
+        return;
+    if (m_noteEditor) {
+        if (m_noteEditor->parentItem() == note)
+            return;
+        finishNoteEdit(true);
+    }
+    auto *editor = new NoteEditor(note, [this](bool keep) { finishNoteEdit(keep); });
+    m_noteEditor = editor;
+    setFocus(Qt::OtherFocusReason);
+    editor->setFocus(Qt::OtherFocusReason);
+    QTextCursor cursor(editor->document());
+    if (selectAll)
+        cursor.select(QTextCursor::Document);
+    else
+        cursor.movePosition(QTextCursor::End);
+    editor->setTextCursor(cursor);
+    ensureVisible(editor, 40, 40);
+}
+
+QGraphicsTextItem *GraphView::noteEditor() const
+{
+    return m_noteEditor;
+}
+
+void GraphView::finishNoteEdit(bool keep)
+{
+    NoteEditor *editor = m_noteEditor;
+    m_noteEditor = nullptr;
+    if (!editor)
+        return;
+    editor->finish(keep); // no-op when it is the editor that finished
+    auto *note = static_cast<NoteNode *>(editor->parentItem());
+    const QString text = editor->toPlainText();
+    // Out of the scene at once; deleted later, since this may run inside its own event.
+    editor->hide();
+    editor->setParentItem(nullptr);
+    if (editor->scene())
+        editor->scene()->removeItem(editor);
+    editor->deleteLater();
+    if (keep && note && m_scene && m_scene->nodes().contains(note) && text != note->text()) {
+        UndoScope scope(m_scene, m_undoStack, tr("note change"));
+        note->setText(text);
+    }
+    if (note)
+        note->update();
+    emit editingDone();
 }
 
 bool GraphView::confirmDisconnect(const QList<Node *> &nodes, const QList<Connection *> &connections, bool deleting)
@@ -1102,22 +1263,27 @@ void GraphView::finishConnectionDrag(const QPoint &viewPos)
     const QPointF at = mapToScene(viewPos);
     auto *popup = new ItemChooserPopup(start->name(), m_prototypes, m_showAdvanced, this);
     const int startId = start->id();
-    connect(popup, &ItemChooserPopup::chosen, this, [this, startId, at](const Transform *prototype) {
+    connect(popup, &ItemChooserPopup::chosen, this, [this, startId, at](int kind, const Transform *prototype) {
+        const ChosenKind chosen = kind == ItemChooserPopup::OutputItem ? ChosenOutput
+            : kind == ItemChooserPopup::ChartItem                      ? ChosenChart
+                                                                       : ChosenTransform;
         if (Node *from = m_scene ? m_scene->node(startId) : nullptr)
-            addConnectedFrom(from, prototype, at);
+            addConnectedFrom(from, chosen, prototype, at);
     });
     popup->move(viewport()->mapToGlobal(viewPos));
     popup->show();
     popup->searchEdit()->setFocus();
 }
 
-Node *GraphView::addConnectedFrom(Node *start, const Transform *prototype, const QPointF &pos)
+Node *GraphView::addConnectedFrom(Node *start, ChosenKind kind, const Transform *prototype, const QPointF &pos)
 {
     if (!m_scene || !start || !m_editingEnabled)
         return nullptr;
     makeCurrentAndSelect(start);
-    if (prototype)
-        return addTransform(prototype, &pos);
+    if (kind == ChosenTransform)
+        return prototype ? addTransform(prototype, &pos) : nullptr;
+    if (kind == ChosenChart)
+        return addChart(QString(), &pos);
     const QString path = FileDialogs::instance()->saveFile(this, tr("Add Output File"), tr("Output.csv"),
         tr("Data files (*.csv *.tsv *.txt *.xlsx *.xls *.json *.xml *.vcf *.yaml *.html *.md);;All files (*)"));
     if (path.isEmpty())
@@ -1144,13 +1310,13 @@ void GraphView::mouseDoubleClickEvent(QMouseEvent *event)
 {
     // A double-click on a note edits its text, as one step.
     auto *note = qobject_cast<NoteNode *>(nodeAt(event->pos()));
+    if (note && m_noteEditor && m_noteEditor->parentItem() == note) {
+        // Within the text being edited: the editor selects a word.
+        QGraphicsView::mouseDoubleClickEvent(event);
+        return;
+    }
     if (note && m_editingEnabled && event->button() == Qt::LeftButton) {
-        bool ok = false;
-        const QString text = QInputDialog::getMultiLineText(this, tr("Note"), tr("Text"), note->text(), &ok);
-        if (ok && text != note->text()) {
-            UndoScope scope(m_scene, m_undoStack, tr("note change"));
-            note->setText(text);
-        }
+        editNote(note);
         event->accept();
         return;
     }
@@ -1228,6 +1394,18 @@ void GraphView::navigate(int key, bool extend)
 void GraphView::keyPressEvent(QKeyEvent *event)
 {
     const int key = event->key();
+    if (m_noteEditor) {
+        // Every key goes to the note's text while it is edited.
+        QGraphicsView::keyPressEvent(event);
+        return;
+    }
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && m_editingEnabled) {
+        if (auto *note = qobject_cast<NoteNode *>(m_current)) {
+            editNote(note);
+            event->accept();
+            return;
+        }
+    }
     const bool arrow = key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
     if (key == Qt::Key_Escape && m_dragStart) {
         cancelConnectionDrag();

@@ -6,6 +6,8 @@
 class Connection;
 class GraphScene;
 class Node;
+class NoteEditor;
+class NoteNode;
 class QMimeData;
 class QUndoStack;
 class Transform;
@@ -55,8 +57,15 @@ public:
     Node *addOutput(const QString &path);
     // A chart placed as an output is; with a path it writes that file, its image type
     // taken from the extension.
-    Node *addChart(const QString &path = QString());
+    // at: placed there instead (the chooser's release point).
+    Node *addChart(const QString &path = QString(), const QPointF *at = nullptr);
+    // The new note's text is open for editing.
     Node *addNote(const QPointF *at = nullptr);
+    // Edits a note's text in place: Escape drops the change; Ctrl+Enter, or focus going
+    // elsewhere, keeps it as one step "note change". Enter starts a new line.
+    void editNote(NoteNode *note, bool selectAll = false);
+    // The text field of the note being edited; nullptr when none is.
+    QGraphicsTextItem *noteEditor() const;
     void deleteSelection();
     void copySelection();
     void cutSelection();
@@ -78,8 +87,11 @@ public:
     // The transforms the chooser popup offers, and whether advanced ones are among them.
     void setTransformPrototypes(const QList<Transform *> &prototypes) { m_prototypes = prototypes; }
     void setShowAdvanced(bool on) { m_showAdvanced = on; }
-    // Adds, at pos, the output or transform chosen in the chooser popup, connected from start.
-    Node *addConnectedFrom(Node *start, const Transform *prototype, const QPointF &pos);
+    // What the chooser popup offers besides the transforms.
+    enum ChosenKind { ChosenTransform, ChosenOutput, ChosenChart };
+    // Adds, at pos, the output, chart or transform chosen in the chooser popup, connected
+    // from start.
+    Node *addConnectedFrom(Node *start, ChosenKind kind, const Transform *prototype, const QPointF &pos);
 
     // For tests and the accessible description.
     QString describeCurrent() const;
@@ -125,6 +137,7 @@ private:
     void insertIntoConnection(Node *node, Connection *connection);
     bool confirmDisconnect(const QList<Node *> &nodes, const QList<Connection *> &connections, bool deleting);
     void dropFiles(const QStringList &paths, const QPointF &at, Node *onto);
+    void finishNoteEdit(bool keep);
 
     GraphScene *m_scene = nullptr;
     QUndoStack *m_undoStack = nullptr;
@@ -144,4 +157,5 @@ private:
     int m_pasteCount = 0;
     QList<Transform *> m_prototypes;
     bool m_showAdvanced = false;
+    QPointer<NoteEditor> m_noteEditor;
 };

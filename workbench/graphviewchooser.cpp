@@ -12,6 +12,7 @@
 namespace {
 
 const int PrototypeRole = Qt::UserRole + 1;
+const int KindRole = Qt::UserRole + 2;
 
 } // namespace
 
@@ -52,8 +53,15 @@ void ItemChooserPopup::filter()
 {
     m_list->clear();
     const QStringList words = TransformPane::searchWords(m_search->text());
-    if (words.isEmpty() || QStringLiteral("output").startsWith(words.join(QLatin1Char(' '))))
-        m_list->addItem(tr("Output"));
+    const QString typed = words.join(QLatin1Char(' '));
+    auto addKind = [this, &typed](const QString &text, const QString &word, Kind kind) {
+        if (!typed.isEmpty() && !word.startsWith(typed) && !text.toLower().startsWith(typed))
+            return;
+        auto *item = new QListWidgetItem(text, m_list);
+        item->setData(KindRole, int(kind));
+    };
+    addKind(tr("Output"), QStringLiteral("output"), OutputItem);
+    addKind(tr("Chart"), QStringLiteral("chart"), ChartItem);
     QList<Transform *> listed;
     for (Transform *transform : qAsConst(m_prototypes)) {
         if (transform->isAdvanced() && !m_showAdvanced)
@@ -66,6 +74,7 @@ void ItemChooserPopup::filter()
     for (Transform *transform : qAsConst(listed)) {
         auto *item = new QListWidgetItem(transform->name(), m_list);
         item->setData(PrototypeRole, QVariant::fromValue<void *>(transform));
+        item->setData(KindRole, int(TransformItem));
     }
     m_list->setCurrentRow(0);
 }
@@ -75,7 +84,7 @@ void ItemChooserPopup::choose(QListWidgetItem *item)
     if (!item)
         return;
     const auto *prototype = static_cast<const Transform *>(item->data(PrototypeRole).value<void *>());
-    emit chosen(prototype);
+    emit chosen(item->data(KindRole).toInt(), prototype);
     close();
 }
 

@@ -8,8 +8,8 @@ class QListWidgetItem;
 class Transform;
 
 // The popup that opens where a connection dragged from an item is dropped on empty
-// canvas: a search field over "Output" and the transforms; the chosen one is added there,
-// connected from the item.
+// canvas: a search field over "Output", "Chart" and the transforms; the chosen one is
+// added there, connected from the item.
 class ItemChooserPopup : public QFrame
 {
     Q_OBJECT
@@ -20,9 +20,11 @@ public:
     QLineEdit *searchEdit() const { return m_search; }
     QStringList listedTexts() const;
 
+    enum Kind { TransformItem, OutputItem, ChartItem };
+
 signals:
-    // prototype is null for "Output".
-    void chosen(const Transform *prototype);
+    // prototype is null for "Output" and "Chart".
+    void chosen(int kind, const Transform *prototype);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

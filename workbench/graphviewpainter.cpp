@@ -21,6 +21,10 @@ const qreal Half = Tile / 2;
 const qreal CaptionWidth = 150.0;
 const qreal PortRadius = 4.0;
 const qreal ArrowSize = 8.0;
+// Below this scale the status glyphs, marks and arrow heads are left out and tiles are
+// drawn plainly; below the second, small texts and dash patterns.
+const qreal MarksDetail = 0.35;
+const qreal TextDetail = 0.5;
 
 CanvasTheme s_light = CanvasTheme::light();
 CanvasTheme s_dark = CanvasTheme::dark();
@@ -236,11 +240,14 @@ void GraphViewPainter::drawIcon(const Node &node, QPainter *p, const QRectF &box
         p->drawPath(path);
         p->drawLine(QPointF(page.right() - 7, page.top()), QPointF(page.right() - 7, page.top() + 7));
         p->drawLine(QPointF(page.right() - 7, page.top() + 7), QPointF(page.right(), page.top() + 7));
-        QFont font = p->font();
-        font.setPixelSize(8);
-        font.setBold(true);
-        p->setFont(font);
-        p->drawText(QRectF(page.left() - 4, page.top() + 9, page.width() + 8, 10), Qt::AlignCenter, formatTag(node));
+        if (QStyleOptionGraphicsItem::levelOfDetailFromTransform(p->worldTransform()) >= TextDetail) {
+            QFont font = p->font();
+            font.setPixelSize(8);
+            font.setBold(true);
+            p->setFont(font);
+            p->drawText(
+                QRectF(page.left() - 4, page.top() + 9, page.width() + 8, 10), Qt::AlignCenter, formatTag(node));
+        }
         const qreal y = page.bottom() - 6;
         const bool in = type == QLatin1String("Input");
         const qreal x0 = page.left() + 5, x1 = page.right() - 5;
@@ -366,6 +373,26 @@ void GraphViewPainter::drawStatusGlyph(const Node &node, QPainter *p, const QPoi
     p->restore();
 }
 
+void GraphViewPainter::paintTileOnly(const Node &node, QPainter *p, qreal opacity) const
+{
+    // Tiles under about 20 px: the status colour carries the state, the glyphs and marks
+    // would be specks.
+    const CanvasTheme &theme = CanvasTheme::current();
+    const QRectF tile(-Half, -Half, Tile, Tile);
+    const int status = qBound(0, node.status(), 3);
+    p->setOpacity(opacity);
+    p->setRenderHint(QPainter::Antialiasing, false);
+    p->setPen(Qt::NoPen);
+    if (node.isSelected() || (m_dragging && &node == m_dragTarget)) {
+        p->setBrush(theme.accent);
+        p->drawRect(tile.adjusted(-6, -6, 6, 6));
+    }
+    p->setBrush(theme.status[status]);
+    p->drawRect(tile);
+    p->setBrush(theme.itemFill);
+    p->drawRect(tile.adjusted(6, 6, -6, -6));
+}
+
 void GraphViewPainter::paintNode(const Node &node, QPainter *p, const QStyleOptionGraphicsItem *option)
 {
     Q_UNUSED(option)
@@ -387,6 +414,11 @@ void GraphViewPainter::paintNode(const Node &node, QPainter *p, const QStyleOpti
     // Far out the captions can't be read: the tiles alone keep the frame quick.
     const qreal detail = QStyleOptionGraphicsItem::levelOfDetailFromTransform(p->worldTransform());
     const bool captions = detail >= 0.4;
+    if (detail < MarksDetail) {
+        paintTileOnly(node, p, opacity);
+        p->restore();
+        return;
+    }
 
     // Current item: a light accent fill behind the caption.
     const QFontMetricsF metrics(p->font());
@@ -549,11 +581,20 @@ void GraphViewPainter::paintConnection(
         color = theme.accent;
         width = 3;
     }
+    const qreal detail = QStyleOptionGraphicsItem::levelOfDetailFromTransform(p->worldTransform());
     QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-    if (status == Node::NeedsUpdating || status == Node::Updating)
+    // Dashes under a pixel long can't be seen and cost the most to draw: far out, a lighter
+    // solid line stands for them.
+    const bool waiting = status == Node::NeedsUpdating || status == Node::Updating;
+    if (waiting && detail >= TextDetail) {
         pen.setDashPattern({4 / width * 1.5, 4 / width * 1.5});
+    } else if (waiting) {
+        QColor lighter = color;
+        lighter.setAlphaF(0.55);
+        pen.setColor(lighter);
+    }
     p->save();
-    p->setRenderHint(QPainter::Antialiasing);
+    p->setRenderHint(QPainter::Antialiasing, detail >= MarksDetail);
     if (m_dragging && start != m_dragStart)
         p->setOpacity(0.5);
     p->setPen(pen);
@@ -561,10 +602,20 @@ void GraphViewPainter::paintConnection(
     const QPainterPath &path = connection.path();
     p->drawPath(path);
 
-    // Arrow head along the curve's last direction.
-    const QPointF tip = path.pointAtPercent(1.0);
-    const qreal angle = qDegreesToRadians(path.angleAtPercent(0.98));
-    const QPointF back(qCos(angle), -qSin(angle));
+    if (detail < MarksDetail) {
+        p->restore();
+        return;
+    }
+    // Arrow head along the curve's last direction: the tangent at the end of the last
+    // segment, from its last control point (measuring the path's length would flatten
+    // the whole curve on every frame).
+    const int count = path.elementCount();
+    const QPointF tip = count > 0 ? QPointF(path.elementAt(count - 1)) : QPointF();
+    QPointF towards = count > 1 ? tip - QPointF(path.elementAt(count - 2)) : QPointF(1, 0);
+    for (int i = count - 3; qFuzzyIsNull(towards.manhattanLength()) && i >= 0; --i)
+        towards = tip - QPointF(path.elementAt(i));
+    const qreal length = qSqrt(QPointF::dotProduct(towards, towards));
+    const QPointF back = length > 0 ? towards / length : QPointF(1, 0);
     const QPointF normal(-back.y(), back.x());
     const QPointF base = tip - back * ArrowSize;
     QPolygonF head({tip, base + normal * (ArrowSize / 2), base - normal * (ArrowSize / 2)});
@@ -572,7 +623,7 @@ void GraphViewPainter::paintConnection(
     p->setBrush(color);
     p->drawPolygon(head);
 
-    const QString position = inputPositionText(connection);
+    const QString position = detail >= TextDetail ? inputPositionText(connection) : QString();
     if (!position.isEmpty()) {
         QFont font = p->font();
         font.setPixelSize(9);

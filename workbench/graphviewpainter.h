@@ -80,6 +80,7 @@ private:
     GraphViewPainter() = default;
     void drawIcon(const Node &node, QPainter *painter, const QRectF &box, const QColor &color) const;
     void drawStatusGlyph(const Node &node, QPainter *painter, const QPointF &centre) const;
+    void paintTileOnly(const Node &node, QPainter *painter, qreal opacity) const;
 
     struct CaptionCache
     {

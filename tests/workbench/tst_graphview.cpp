@@ -1,6 +1,8 @@
 #include "canvastestutil.h"
 
+#include "charts/chartnode.h"
 #include "flow/connection.h"
+#include "flow/notenode.h"
 #include "outputs/outputnode.h"
 #include "transforms/transformnode.h"
 #include "workbench/graphview.h"
@@ -8,6 +10,7 @@
 #include "workbench/graphviewpainter.h"
 #include "workbench/prompts.h"
 
+#include <QGraphicsTextItem>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QUndoStack>
@@ -25,6 +28,10 @@ private slots:
     void dragFromPort_data();
     void dragFromPort();
     void releaseOnEmptyCanvasOpensChooser();
+    void chooserAddsChart_data();
+    void chooserAddsChart();
+    void noteEditsInPlace_data();
+    void noteEditsInPlace();
     void rubberBand();
     void wheelZoomLimits_data();
     void wheelZoomLimits();
@@ -168,6 +175,123 @@ void TestGraphView::releaseOnEmptyCanvasOpensChooser()
     QVERIFY(filter && filter->isConnectedFrom(input));
     QCOMPARE(filter->pos(), QPointF(450, 150));
     QCOMPARE(m_stack->undoText(), QStringLiteral("add 'Filter'"));
+}
+
+void TestGraphView::chooserAddsChart_data()
+{
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QStringList>("firstListed");
+    QTest::addColumn<int>("downPresses"); // to reach "Chart" from the first row
+    QTest::newRow("nothing typed: Output, then Chart") << "" << QStringList({"Output", "Chart"}) << 1;
+    QTest::newRow("typed 'ch'") << "ch" << QStringList({"Chart"}) << 0;
+    QTest::newRow("typed 'CHART'") << "CHART" << QStringList({"Chart"}) << 0;
+}
+
+void TestGraphView::chooserAddsChart()
+{
+    QFETCH(QString, typed);
+    QFETCH(QStringList, firstListed);
+    QFETCH(int, downPresses);
+    m_view->setTransformPrototypes(Application::instance()->transforms());
+    Node *input = addInput(*m_scene, QPointF(200, 0));
+    QCoreApplication::processEvents();
+    const QPoint port = viewPos(input, GraphViewPainter::outPortPos());
+    const QPoint empty = m_view->mapFromScene(QPointF(500, 200));
+    QTest::mouseMove(m_view->viewport(), port);
+    QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, port);
+    QTest::mouseMove(m_view->viewport(), empty);
+    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, empty);
+    auto *popup = m_view->findChild<ItemChooserPopup *>();
+    QVERIFY(popup);
+    QTest::keyClicks(popup->searchEdit(), typed);
+    QCOMPARE(popup->listedTexts().mid(0, firstListed.size()), firstListed);
+    for (int i = 0; i < downPresses; ++i)
+        QTest::keyClick(popup->searchEdit(), Qt::Key_Down);
+    QTest::keyClick(popup->searchEdit(), Qt::Key_Return);
+    QCOMPARE(m_scene->nodes().size(), 2);
+    auto *chart = qobject_cast<ChartNode *>(m_scene->selectedNodes().value(0));
+    QVERIFY(chart);
+    QVERIFY(chart->isConnectedFrom(input));
+    QCOMPARE(chart->pos(), QPointF(500, 200));
+    QVERIFY(!chart->options().writeFile);
+    QCOMPARE(m_stack->count(), 1);
+    QCOMPARE(m_stack->undoText(), QStringLiteral("add chart"));
+}
+
+void TestGraphView::noteEditsInPlace_data()
+{
+    QTest::addColumn<QString>("start"); // "doubleClick" or "enter"
+    QTest::addColumn<QString>("typed"); // "|" stands for Enter, a new line
+    QTest::addColumn<QString>("end"); // "ctrlEnter", "escape", "clickAway", "focusOut"
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<int>("steps");
+    QTest::newRow("double-click, type, Ctrl+Enter keeps")
+        << "doubleClick" << " more" << "ctrlEnter" << "Remember more" << 1;
+    QTest::newRow("Enter starts, Enter makes a new line")
+        << "enter" << "|second" << "ctrlEnter" << "Remember\nsecond" << 1;
+    QTest::newRow("Escape drops the change") << "doubleClick" << " more" << "escape" << "Remember" << 0;
+    QTest::newRow("a click on the canvas keeps it") << "doubleClick" << "!" << "clickAway" << "Remember!" << 1;
+    QTest::newRow("focus leaving the canvas keeps it") << "enter" << "!" << "focusOut" << "Remember!" << 1;
+    QTest::newRow("no change, no step") << "doubleClick" << "" << "ctrlEnter" << "Remember" << 0;
+    QTest::newRow("Delete and arrows edit the text, not the canvas")
+        << "enter" << "<<<x" << "ctrlEnter" << "Rememxer" << 1;
+}
+
+void TestGraphView::noteEditsInPlace()
+{
+    QFETCH(QString, start);
+    QFETCH(QString, typed);
+    QFETCH(QString, end);
+    QFETCH(QString, expected);
+    QFETCH(int, steps);
+    m_view->activateWindow();
+    m_view->setFocus();
+    auto *note = new NoteNode;
+    note->setText(QStringLiteral("Remember"));
+    note->setPos(100, 50);
+    m_scene->addNode(note);
+    const QPoint onNote = m_view->mapFromScene(note->mapToScene(QPointF(20, 12)));
+    if (start == QLatin1String("doubleClick")) {
+        QTest::mouseDClick(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, onNote);
+    } else {
+        m_view->setCurrentNode(note);
+        QTest::keyClick(m_view, Qt::Key_Return);
+    }
+    QGraphicsTextItem *editor = m_view->noteEditor();
+    QVERIFY(editor);
+    QCOMPARE(editor->toPlainText(), QStringLiteral("Remember"));
+    // The cursor starts at the end of the text.
+    for (const QChar c : typed) {
+        if (c == QLatin1Char('|'))
+            QTest::keyClick(m_view, Qt::Key_Return);
+        else if (c == QLatin1Char('<'))
+            QTest::keyClick(m_view, Qt::Key_Left);
+        else if (c == QLatin1Char('x')) {
+            QTest::keyClick(m_view, Qt::Key_Delete);
+            QTest::keyClicks(m_view, QStringLiteral("x"));
+        } else
+            QTest::keyClicks(m_view, QString(c));
+    }
+    if (end == QLatin1String("ctrlEnter")) {
+        QTest::keyClick(m_view, Qt::Key_Return, Qt::ControlModifier);
+    } else if (end == QLatin1String("escape")) {
+        QTest::keyClick(m_view, Qt::Key_Escape);
+    } else if (end == QLatin1String("clickAway")) {
+        QTest::mouseClick(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, m_view->mapFromScene(QPointF(600, 400)));
+    } else {
+        m_view->clearFocus();
+    }
+    QTRY_VERIFY(!m_view->noteEditor());
+    QCOMPARE(note->text(), expected);
+    QCOMPARE(m_stack->count(), steps);
+    if (steps > 0) {
+        QCOMPARE(m_stack->undoText(), QStringLiteral("note change"));
+        m_stack->undo();
+        auto *restored = qobject_cast<NoteNode *>(m_scene->nodes().value(0));
+        QVERIFY(restored);
+        QCOMPARE(restored->text(), QStringLiteral("Remember"));
+    }
+    QCOMPARE(m_scene->nodes().size(), 1); // nothing deleted by the keys typed
 }
 
 void TestGraphView::rubberBand()
