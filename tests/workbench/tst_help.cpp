@@ -1,7 +1,12 @@
 #include "canvastestutil.h"
 
+#include "core/settings.h"
+#include "flow/notenode.h"
+#include "transforms/transformnode.h"
 #include "workbench/helpindex.h"
 #include "workbench/helpwindow.h"
+#include "workbench/itempane.h"
+#include "workbench/itemwidget.h"
 
 #include <QAction>
 #include <QFile>
@@ -9,8 +14,11 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QRegularExpression>
+#include <QUndoStack>
+#include <QTemporaryDir>
 #include <QTextFrame>
 #include <QTextTable>
+#include <QToolButton>
 #include <QTreeWidget>
 #include <QTreeWidgetItemIterator>
 
@@ -49,6 +57,8 @@ private slots:
     void shortcutsOfMainWindows();
     void findInPage_data();
     void findInPage();
+    void helpButton_data();
+    void helpButton();
     void onlyOneWindow();
 
 private:
@@ -509,6 +519,55 @@ void TestHelp::findInPage()
     }
     QTest::keyClick(window->findEdit(), Qt::Key_Escape);
     QVERIFY(!window->findBar()->isVisible());
+}
+
+void TestHelp::helpButton_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("page");
+    QTest::newRow("merge transform") << "Join" << "transforms/Join.md";
+    QTest::newRow("column transform, id differs from name") << "Compare_Cols" << "transforms/Compare_Cols.md";
+    QTest::newRow("transform of another helper's category") << "Filter" << "transforms/Filter.md";
+    QTest::newRow("input") << "Input" << "items/input.md";
+    QTest::newRow("note") << "Note" << "items/note.md";
+    QTest::newRow("no item: the flow") << "" << "items/flow.md";
+}
+
+void TestHelp::helpButton()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, page);
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("tabrelle.ini")));
+    GraphScene scene;
+    scene.setSettings(&settings);
+    QUndoStack undoStack;
+    Node *node = nullptr;
+    if (item == QLatin1String("Input"))
+        node = addInput(scene, QPointF(0, 0));
+    else if (item == QLatin1String("Note"))
+        node = new NoteNode;
+    else if (!item.isEmpty())
+        node = new TransformNode(prototype(item)->clone());
+    if (node && !node->scene())
+        scene.addNode(node);
+    ItemPane pane;
+    pane.setScene(&scene, &undoStack);
+    pane.setCurrentNode(node);
+    pane.show();
+    QToolButton *help = nullptr;
+    for (QToolButton *button : pane.itemWidget()->findChildren<QToolButton *>()) {
+        if (button->text() == QLatin1String("?"))
+            help = button;
+    }
+    QVERIFY(help);
+    HelpWindow::showContents();
+    QTest::mouseClick(help, Qt::LeftButton);
+    HelpWindow *window = HelpWindow::existingInstance();
+    QCOMPARE(window->currentPage(), page);
+    QVERIFY(window->isVisible());
+    QVERIFY(!window->browser()->toPlainText().contains(QStringLiteral("Page not found")));
+    pane.setCurrentNode(nullptr);
 }
 
 void TestHelp::onlyOneWindow()
