@@ -16,6 +16,7 @@
 #include <QFrame>
 #include <QGridLayout>
 #include <QHeaderView>
+#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -226,6 +227,7 @@ ItemWidget::ItemWidget(Node *node, GraphScene *scene, QUndoStack *undoStack, QWi
     m_detailsTable->setEditTriggers(QAbstractItemView::NoEditTriggers);
     m_detailsTable->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_detailsTable->setWordWrap(false);
+    m_detailsTable->verticalHeader()->setDefaultSectionSize(m_detailsTable->fontMetrics().height() + 8);
     m_detailsTable->setAccessibleName(tr("Item details"));
     m_detailsTable->installEventFilter(this);
     m_tabs->addTab(m_detailsTable, tr("Details"));
@@ -472,6 +474,8 @@ int ItemWidget::addFormRow(const QString &label, QWidget *widget)
         if (widget->accessibleName().isEmpty())
             widget->setAccessibleName(label);
     }
+    if (widget->accessibleDescription().isEmpty() && !widget->toolTip().isEmpty())
+        widget->setAccessibleDescription(widget->toolTip());
     widgets << widget;
     while (m_rows.size() <= row)
         m_rows.append(QList<QWidget *>());
@@ -493,9 +497,13 @@ bool ItemWidget::isRowVisible(int row) const
 
 void ItemWidget::blockFormSignals(bool block)
 {
+    // Item models stay live: a list or combo box filled while its model is silent would
+    // show none of its rows.
     const QList<QObject *> children = m_form->findChildren<QObject *>();
-    for (QObject *child : children)
-        child->blockSignals(block);
+    for (QObject *child : children) {
+        if (!qobject_cast<QAbstractItemModel *>(child) && !qobject_cast<QItemSelectionModel *>(child))
+            child->blockSignals(block);
+    }
 }
 
 void ItemWidget::setRowEnabled(int row, bool enabled)

@@ -34,6 +34,9 @@ QComboBox *makeCombo(QWidget *parent, const QStringList &items = QStringList())
     auto *combo = new QComboBox(parent);
     for (int i = 0; i < items.size(); ++i)
         combo->addItem(items.at(i), i);
+    // Long entries (codec names, column names) don't widen the pane.
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(8);
     ignoreWheelWithoutFocus(combo);
     return combo;
 }
@@ -321,9 +324,8 @@ QWidget *ChartItemWidget::buildGeneralTab()
     addRow(file, tab, tr("Width"), m_widthSpin);
     m_heightSpin = makeSpin(box, 16, 20000, tr(" px"));
     addRow(file, tab, tr("Height"), m_heightSpin);
-    auto *pageSize = new QComboBox(box);
+    auto *pageSize = makeCombo(box);
     pageSize->addItems(ChartOptions::pdfSizeNames());
-    ignoreWheelWithoutFocus(pageSize);
     addRow(file, tab, tr("Page size"), pageSize);
     auto *orientation = makeCombo(box, {tr("Portrait"), tr("Landscape")});
     addRow(file, tab, tr("Orientation"), orientation);
@@ -413,12 +415,17 @@ QWidget *ChartItemWidget::buildAxisTab(bool x)
     auto *scale = makeCombo(box, ChartAxisOptions::scaleNames());
     addRow(grid, tab, tr("Scale"), scale);
     auto *minCombo = makeCombo(box, {tr("Automatic"), tr("Custom")});
-    auto *minValue = makeDouble(box, -1e15, 1e15, 1, 6);
+    auto *minValue = makeDouble(box, -1e15, 1e15, 1, 3);
     minValue->setAccessibleName(tr("Custom minimum"));
+    // The range's widest number would size the spin box, and with it the whole pane.
+    minValue->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    minValue->setMinimumWidth(90);
     addRow(grid, tab, tr("Minimum"), pair(box, minCombo, minValue), minCombo);
     auto *maxCombo = makeCombo(box, {tr("Automatic"), tr("Custom")});
-    auto *maxValue = makeDouble(box, -1e15, 1e15, 1, 6);
+    auto *maxValue = makeDouble(box, -1e15, 1e15, 1, 3);
     maxValue->setAccessibleName(tr("Custom maximum"));
+    maxValue->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    maxValue->setMinimumWidth(90);
     addRow(grid, tab, tr("Maximum"), pair(box, maxCombo, maxValue), maxCombo);
     auto *nice = new QCheckBox(tr("Nice values"), box);
     nice->setToolTip(tr("Check to use %1 axis values that are multiples of 10^n, 2x10^n and 5x10^n.\n"

@@ -54,6 +54,9 @@ QComboBox *makeCombo(QWidget *parent, const QStringList &items = QStringList())
 {
     auto *combo = new QComboBox(parent);
     combo->addItems(items);
+    // Long entries (codec names, column names) don't widen the pane.
+    combo->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    combo->setMinimumContentsLength(8);
     ignoreWheelWithoutFocus(combo);
     return combo;
 }

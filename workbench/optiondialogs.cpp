@@ -152,9 +152,9 @@ FixedWidthsDialog::FixedWidthsDialog(const QStringList &sample, const QList<int>
     m_view = new FixedWidthsView(m_sample, this);
     m_view->clicked = [this](int position) { toggleBoundary(position); };
     auto *scroll = new QScrollArea(this);
+    m_view->setMinimumSize(m_view->sizeHint());
     scroll->setWidget(m_view);
-    scroll->setWidgetResizable(false);
-    m_view->resize(m_view->sizeHint());
+    scroll->setWidgetResizable(true);
     layout->addWidget(scroll, 1);
 
     auto *row = new QHBoxLayout;

@@ -77,12 +77,6 @@ TABRELLE_SCREENS(panes)
     Node *note = window.view()->addNote();
     if (auto *noteNode = qobject_cast<NoteNode *>(note))
         noteNode->setText(QStringLiteral("Regions come from the sales system; check the totals each month."));
-    if (output) {
-        output->addWarning(QStringLiteral("Column 'Region' has empty values in 3 rows"));
-        for (int i = 1; i <= 4; ++i)
-            output->addWarning(QStringLiteral("Row %1 has a value that is not a number").arg(i * 7));
-        output->addInformation(QStringLiteral("Created file 'sales.json'"));
-    }
     // The pane wide enough to read.
     if (auto *splitter = window.findChild<QSplitter *>(QStringLiteral("mainSplitter")))
         splitter->setSizes({250, 700, 550});
@@ -98,8 +92,15 @@ TABRELLE_SCREENS(panes)
         screens::settle();
         shootPane(window, input, QStringLiteral("panes-input-") + theme);
         shootPane(window, input, QStringLiteral("panes-details-") + theme, 1);
-        if (output)
+        if (output) {
+            // Warnings as a run leaves them: the first three and a link to the rest.
+            screens::waitForRun(window);
+            output->clearWarnings();
+            output->addWarning(QStringLiteral("Column 'Region' has empty values in 3 rows"));
+            for (int i = 1; i <= 4; ++i)
+                output->addWarning(QStringLiteral("Row %1 has a value that is not a number").arg(i * 7));
             shootPane(window, output, QStringLiteral("panes-output-") + theme);
+        }
         shootPane(window, chart, QStringLiteral("panes-chart-general-") + theme);
         if (auto *widget = qobject_cast<ChartItemWidget *>(window.findChild<ItemPane *>()->itemWidget())) {
             widget->optionTabs()->setCurrentIndex(1);
