@@ -253,7 +253,7 @@ public:
     }
     int columnCount(const QModelIndex &parent = QModelIndex()) const override
     {
-        return parent.isValid() || !m_comparison.isDone() ? 0 : int(m_comparison.columns().size()) + 1;
+        return parent.isValid() || !m_comparison.isDone() || m_comparison.columns().empty() ? 0 : int(m_comparison.columns().size()) + 1;
     }
 
     QVariant data(const QModelIndex &index, int role) const override

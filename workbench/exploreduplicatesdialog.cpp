@@ -86,7 +86,7 @@ ExploreDuplicatesDialog::ExploreDuplicatesDialog(TransformNode *node, QWidget *p
     m_columnsList->setAccessibleName(tr("Columns"));
     if (columns)
         m_columnsList->setToolTip(columns->tooltip());
-    m_columnsList->setMaximumHeight(130);
+    m_columnsList->setMinimumHeight(100);
     columnsLabel->setBuddy(m_columnsList);
     const QList<DataColumnIndex> chosen = columns ? columns->columnIndexes() : QList<DataColumnIndex>();
     if (m_input) {
@@ -389,7 +389,10 @@ void ExploreDuplicatesDialog::showGroups()
     m_tree->addTopLevelItems(items);
     for (int i = 0; i < qMin(listed, 50); ++i)
         items.at(i)->setExpanded(true);
-    m_tree->resizeColumnToContents(0);
+    for (int c = 0; c < m_tree->columnCount(); ++c) {
+        m_tree->resizeColumnToContents(c);
+        m_tree->setColumnWidth(c, qMin(m_tree->columnWidth(c) + 12, 320));
+    }
     if (int(groups.size()) > listed)
         m_summaryLabel->setText(m_summaryLabel->text() + QLatin1Char('\n') +
             tr("The first %1 groups are listed.").arg(formatCount(listed)));

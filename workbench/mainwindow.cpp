@@ -7,6 +7,7 @@
 #include "exploreduplicatesdialog.h"
 #include "explorekeysdialog.h"
 #include "graphview.h"
+#include "helpwindow.h"
 #include "insufficientmemorydialog.h"
 #include "missingfilesdialog.h"
 #include "preferencesdialog.h"
@@ -318,6 +319,25 @@ void MainWindow::createActions()
             ? QList<QKeySequence> {QKeySequence(tr("Ctrl+,"))}
             : QKeySequence::keyBindings(QKeySequence::Preferences));
     m_preferencesAction->setMenuRole(QAction::PreferencesRole);
+    m_helpAction = make(tr("Tabrelle &Help"), QStringLiteral("helpAction"));
+    m_shortcutsAction = make(tr("&Keyboard Shortcuts"), QStringLiteral("shortcutsAction"));
+    m_itemHelpAction = make(tr("&Help for Item"), QStringLiteral("itemHelpAction"), QKeySequence::HelpContents);
+    connect(m_helpAction, &QAction::triggered, this, [] { HelpWindow::showContents(); });
+    connect(m_shortcutsAction, &QAction::triggered, this, [this] {
+        HelpWindow::setShortcutActions(allActions());
+        HelpWindow::showShortcuts();
+    });
+    connect(m_itemHelpAction, &QAction::triggered, this, [this] {
+        HelpWindow::setTransformPrototypes(m_prototypes);
+        HelpWindow::setShortcutActions(allActions());
+        Node *node = m_view->currentNode();
+        if (auto *transformNode = qobject_cast<TransformNode *>(node))
+            HelpWindow::showTransform(transformNode->transform()->id());
+        else if (node)
+            HelpWindow::showItem(node->typeName());
+        else
+            HelpWindow::showContents();
+    });
     connect(m_recentDocumentsAction, &QAction::triggered, this, &MainWindow::showRecentDocuments);
     connect(m_recoveredFlowsAction, &QAction::triggered, this, [this] {
         if (maybeSave())
@@ -727,6 +747,8 @@ void MainWindow::createMenus()
     item->addAction(m_tidyLayoutAction);
     item->addAction(m_openFileAction);
     item->addAction(m_openFolderAction);
+    item->addSeparator();
+    item->addAction(m_itemHelpAction);
 
     QMenu *run = menuBar()->addMenu(tr("&Run"));
     run->addAction(m_runChangesAction);
@@ -744,6 +766,8 @@ void MainWindow::createMenus()
     tools->addAction(m_preferencesAction);
 
     QMenu *help = menuBar()->addMenu(tr("&Help"));
+    help->addAction(m_helpAction);
+    help->addAction(m_shortcutsAction);
     m_examplesMenu = help->addMenu(tr("&Examples"));
     connect(m_examplesMenu, &QMenu::aboutToShow, this, [this] {
         m_examplesMenu->clear();

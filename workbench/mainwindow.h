@@ -182,5 +182,6 @@ public:
     QAction *m_aboutAction;
     QAction *m_recentDocumentsAction, *m_recoveredFlowsAction, *m_connectToAction, *m_connectFromAction,
         *m_compareAction, *m_exploreKeysAction, *m_exploreDuplicatesAction, *m_preferencesAction;
+    QAction *m_helpAction, *m_shortcutsAction, *m_itemHelpAction;
     QMenu *m_examplesMenu = nullptr;
 };

@@ -108,7 +108,6 @@ PreferencesDialog::PreferencesDialog(Settings *settings, QWidget *parent)
     m_pageList = new QListWidget(this);
     m_pageList->setObjectName(QStringLiteral("pageList"));
     m_pageList->setAccessibleName(tr("Pages"));
-    m_pageList->setMaximumWidth(170);
     m_pages = new QStackedWidget(this);
     m_pages->addWidget(generalPage());
     m_pages->addWidget(performancePage());
@@ -119,6 +118,8 @@ PreferencesDialog::PreferencesDialog(Settings *settings, QWidget *parent)
     m_pageList->addItems({tr("General"), tr("Performance"), tr("Dates"), tr("Appearance"), tr("Input Extensions"),
         tr("Output Extensions")});
     connect(m_pageList, &QListWidget::currentRowChanged, m_pages, &QStackedWidget::setCurrentIndex);
+    m_pageList->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_pageList->setFixedWidth(m_pageList->sizeHintForColumn(0) + 2 * m_pageList->frameWidth() + 16);
     middle->addWidget(m_pageList);
     middle->addWidget(m_pages, 1);
     layout->addLayout(middle, 1);
@@ -237,6 +238,7 @@ QWidget *PreferencesDialog::generalPage()
 {
     auto *page = new QWidget(this);
     auto *form = new QFormLayout(page);
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     m_startupRecent = new QRadioButton(tr("Show recent &documents"), page);
     m_startupRecent->setObjectName(QStringLiteral("startupRecent"));
     m_startupEmpty = new QRadioButton(tr("Start with an &empty flow"), page);
@@ -307,6 +309,7 @@ QWidget *PreferencesDialog::performancePage()
 {
     auto *page = new QWidget(this);
     auto *form = new QFormLayout(page);
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     m_optimizeFor = new QComboBox(page);
     m_optimizeFor->setObjectName(QStringLiteral("optimizeFor"));
     m_optimizeFor->addItems({tr("Minimum memory use (recommended)"), tr("Maximum speed")});
@@ -343,6 +346,7 @@ QWidget *PreferencesDialog::datesPage()
 {
     auto *page = new QWidget(this);
     auto *form = new QFormLayout(page);
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     m_locale = new QComboBox(page);
     m_locale->setObjectName(QStringLiteral("locale"));
     m_locale->addItem(tr("System (%1)").arg(QLocale::system().bcp47Name()), QString());
@@ -425,6 +429,7 @@ QWidget *PreferencesDialog::appearancePage()
 {
     auto *page = new QWidget(this);
     auto *form = new QFormLayout(page);
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     m_theme = new QComboBox(page);
     m_theme->setObjectName(QStringLiteral("theme"));
     m_theme->addItems({tr("Follow the desktop"), tr("Light"), tr("Dark")});
@@ -585,6 +590,10 @@ void PreferencesDialog::apply()
         return;
     const QVariantMap v = values();
     for (auto it = v.constBegin(); it != v.constEnd(); ++it) {
+        // The spin box shows one decimal: an unchanged maximum is not rewritten rounded.
+        if (it.key() == QLatin1String("max_memory_usage")
+            && qRound(stored(it.key()).toDouble() * 10) == qRound(it.value().toDouble() * 10))
+            continue;
         if (stored(it.key()) != it.value())
             m_settings->setValue(it.key(), it.value());
     }

@@ -46,6 +46,7 @@ RecentDocumentsDialog::RecentDocumentsDialog(Settings *settings, QWidget *parent
     m_list->setHeaderLabels({tr("Name"), tr("Folder"), tr("Opened")});
     m_list->header()->setStretchLastSection(false);
     m_list->header()->setSectionResizeMode(1, QHeaderView::Stretch);
+    m_list->header()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
     m_list->setColumnWidth(0, 220);
     layout->addWidget(m_list, 1);
 
