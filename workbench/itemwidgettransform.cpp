@@ -5,11 +5,15 @@
 #include "transforms/parameter.h"
 #include "transforms/transform.h"
 #include "transforms/transformnode.h"
+#include "workbench/exploreduplicatesdialog.h"
+#include "workbench/explorekeysdialog.h"
 #include "workbench/parameterwidget.h"
 #include "workbench/prompts.h"
 
 #include <QGridLayout>
+#include <QHBoxLayout>
 #include <QLabel>
+#include <QPointer>
 #include <QPushButton>
 #include <QStyle>
 
@@ -89,12 +93,34 @@ void TransformItemWidget::buildRows()
         delete row.label;
     }
     m_rows.clear();
-    delete m_exploreRow;
+    if (m_exploreRow) {
+        m_exploreRow->hide();
+        m_exploreRow->deleteLater();
+    }
     m_exploreRow = nullptr;
     m_exploreButton = nullptr;
     TransformNode *transformNode = this->transformNode();
     m_builtFor = transformNode ? transformNode->transform()->parameterList() : QList<Parameter *>();
     QGridLayout *grid = formLayout();
+    const Transform *transform = transformNode ? transformNode->transform() : nullptr;
+    if (transform && (transform->canExploreKeys() || transform->canExploreDuplicates())) {
+        // The explore button sits above the options, centred.
+        m_exploreRow = new QWidget(formWidget());
+        auto *layout = new QHBoxLayout(m_exploreRow);
+        layout->setContentsMargins(0, 0, 0, 4);
+        const bool keys = transform->canExploreKeys();
+        m_exploreButton =
+            new QPushButton(keys ? tr("Explore Keys...") : tr("Explore Duplicates..."), m_exploreRow);
+        m_exploreButton->setToolTip(keys
+                ? tr("Click to compare keys between the 2 input datasets.")
+                : tr("Click to explorer duplicates in the dataset.\nMay be slow for large "
+                     "datasets, especially for fuzzy match."));
+        layout->addStretch(1);
+        layout->addWidget(m_exploreButton);
+        layout->addStretch(1);
+        grid->addWidget(m_exploreRow, grid->rowCount(), 0, 1, 2);
+        connect(m_exploreButton, &QPushButton::clicked, this, &TransformItemWidget::onExplore);
+    }
     const Qt::Alignment labelAlignment =
         Qt::Alignment(style()->styleHint(QStyle::SH_FormLayoutLabelAlignment)) | Qt::AlignVCenter;
     for (Parameter *parameter : qAsConst(m_builtFor)) {
@@ -112,7 +138,10 @@ void TransformItemWidget::buildRows()
         int at = grid->rowCount();
         if (place == ParameterWidget::LeftLabel) {
             row.label->setAlignment(labelAlignment);
-            grid->addWidget(row.label, at, 0, Qt::AlignTop);
+            // A label beside a tall editor stays by its first line.
+            const bool tall =
+                parameter->kind() == ParameterKind::LongText || parameter->kind() == ParameterKind::Label;
+            grid->addWidget(row.label, at, 0, tall ? Qt::AlignTop : Qt::Alignment());
             grid->addWidget(widget, at, 1);
         } else if (place == ParameterWidget::NoLabel) {
             // A large editor spans the row under its own title line.
@@ -205,6 +234,24 @@ void TransformItemWidget::onParameterChange(bool processNow)
     Q_UNUSED(processNow)
     // The widget that changed keeps what the user typed; the others follow the states.
     applyParameterStates();
+}
+
+void TransformItemWidget::onExplore()
+{
+    TransformNode *transformNode = this->transformNode();
+    if (!transformNode || isRunning())
+        return;
+    const QPointer<TransformItemWidget> self(this);
+    if (transformNode->transform()->canExploreKeys()) {
+        ExploreKeysDialog dialog(transformNode, window(), undoStack());
+        dialog.exec();
+    } else {
+        ExploreDuplicatesDialog dialog(transformNode, window(), undoStack());
+        dialog.exec();
+    }
+    // The dialog may have set options; an undo step may even have replaced this widget.
+    if (self)
+        updateFromNode();
 }
 
 void TransformItemWidget::onStartTimer()

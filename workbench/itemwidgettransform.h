@@ -42,6 +42,7 @@ private slots:
     void onParameterChange(bool processNow);
     void onStartTimer();
     void onProcessNow();
+    void onExplore();
 
 private:
     void buildRows();

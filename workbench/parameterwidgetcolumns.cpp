@@ -41,10 +41,18 @@ QToolButton *makeRemove(QWidget *parent)
 
 void fitHeight(QTableWidget *table, int minimumRows, int maximumRows)
 {
-    int height = table->horizontalHeader()->sizeHint().height();
-    const int rows = table->rowCount();
-    const int rowHeight = rows > 0 ? table->rowHeight(0) : table->verticalHeader()->defaultSectionSize();
-    height += rowHeight * qBound(minimumRows, rows, maximumRows);
+    // Rows take the height of their widgets; the table shows up to maximumRows of them.
+    int rowHeight = table->verticalHeader()->defaultSectionSize();
+    for (int r = 0; r < table->rowCount(); ++r) {
+        for (int c = 0; c < table->columnCount(); ++c) {
+            if (QWidget *widget = table->cellWidget(r, c))
+                rowHeight = qMax(rowHeight, widget->sizeHint().height());
+        }
+    }
+    for (int r = 0; r < table->rowCount(); ++r)
+        table->setRowHeight(r, rowHeight);
+    const int height = table->horizontalHeader()->sizeHint().height()
+        + rowHeight * qBound(minimumRows, table->rowCount(), maximumRows);
     table->setFixedHeight(height + 2 * table->frameWidth() + 2);
 }
 
@@ -238,8 +246,8 @@ SortColumnsParameterWidget::SortColumnsParameterWidget(Parameter *parameter, QWi
     m_table = new QTableWidget(0, 3, this);
     m_table->setHorizontalHeaderLabels({tr("Column"), tr("Order"), QString()});
     m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
-    m_table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Fixed);
+    m_table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Fixed);
     m_table->verticalHeader()->setVisible(false);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -299,6 +307,8 @@ void SortColumnsParameterWidget::addRow(const SortColumn &column)
     m_table->setCellWidget(row, 0, combo);
     m_table->setCellWidget(row, 1, order);
     m_table->setCellWidget(row, 2, remove);
+    m_table->setColumnWidth(1, order->sizeHint().width());
+    m_table->setColumnWidth(2, remove->sizeHint().width() + 4);
     connect(combo, QOverload<int>::of(&QComboBox::activated), this, [this] {
         greyUsedColumns();
         onChanged();
@@ -744,7 +754,7 @@ UniqueParameterWidget::UniqueParameterWidget(Parameter *parameter, QWidget *pare
     m_table = new QTableWidget(0, 2, this);
     m_table->setHorizontalHeaderLabels({tr("Column"), tr("Keep")});
     m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Fixed);
     m_table->verticalHeader()->setVisible(false);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::ExtendedSelection);
@@ -796,6 +806,7 @@ void UniqueParameterWidget::updateFromParameter()
             combo->setCurrentIndex(qBound(0, m_parameter->uniqueOption(id), int(UniqueRemove)));
             combo->setAccessibleName(tr("Keep for %1").arg(texts.at(c)));
             m_table->setCellWidget(c, 1, combo);
+            m_table->setColumnWidth(1, combo->sizeHint().width());
             connect(combo, QOverload<int>::of(&QComboBox::activated), this, [this] {
                 markKeys();
                 onChanged();

@@ -3,6 +3,7 @@
 #include "core/matching.h"
 #include "workbench/itemwidget.h"
 
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QClipboard>
 #include <QFontDatabase>
@@ -72,12 +73,20 @@ QToolButton *makeRemoveButton(QWidget *parent)
     return button;
 }
 
-// Cell widgets don't size the table: the table is as tall as its rows, and the pane scrolls.
+// Cell widgets don't size the table: each row is as tall as its tallest widget, and the
+// table as tall as its rows, so that the pane scrolls rather than the table.
 void fitTableHeight(QTableWidget *table)
 {
-    int height = table->horizontalHeader()->isVisible() ? table->horizontalHeader()->sizeHint().height() : 0;
-    for (int r = 0; r < table->rowCount(); ++r)
-        height += table->rowHeight(r);
+    int height = table->horizontalHeader()->isHidden() ? 0 : table->horizontalHeader()->sizeHint().height();
+    for (int r = 0; r < table->rowCount(); ++r) {
+        int row = table->verticalHeader()->defaultSectionSize();
+        for (int c = 0; c < table->columnCount(); ++c) {
+            if (QWidget *widget = table->cellWidget(r, c))
+                row = qMax(row, widget->sizeHint().height());
+        }
+        table->setRowHeight(r, row);
+        height += row;
+    }
     table->setFixedHeight(height + 2 * table->frameWidth() + 2);
 }
 
@@ -91,11 +100,10 @@ ConditionTable::ConditionTable(bool andHeaders, QWidget *parent)
 {
     setHorizontalHeaderLabels({tr("Column"), tr("Operator"), tr("Term"), QString()});
     horizontalHeader()->setSectionResizeMode(0, QHeaderView::Stretch);
-    horizontalHeader()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
+    horizontalHeader()->setSectionResizeMode(1, QHeaderView::Interactive);
     horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
-    horizontalHeader()->setSectionResizeMode(3, QHeaderView::ResizeToContents);
+    horizontalHeader()->setSectionResizeMode(3, QHeaderView::Fixed);
     verticalHeader()->setVisible(andHeaders);
-    verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -141,6 +149,10 @@ void ConditionTable::addRow(const Condition &condition, bool empty)
     ignoreWheelWithoutFocus(op);
     op->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     op->setAccessibleName(tr("Operator"));
+    // The closed combo shows the start of a label; the list shows them whole.
+    op->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    op->setMinimumContentsLength(14);
+    op->view()->setMinimumWidth(op->view()->sizeHintForColumn(0) + 24);
     const QList<int> order = operatorDisplayOrder();
     for (int number : order)
         op->addItem(operatorLabel(number), number);
@@ -160,6 +172,10 @@ void ConditionTable::addRow(const Condition &condition, bool empty)
     setCellWidget(row, 1, op);
     setCellWidget(row, 2, termCell);
     setCellWidget(row, 3, remove);
+    if (row == 0) {
+        setColumnWidth(1, op->sizeHint().width());
+        setColumnWidth(3, remove->sizeHint().width() + 4);
+    }
     setVerticalHeaderItem(row, new QTableWidgetItem(row == 0 || !m_andHeaders ? QString() : tr("and")));
     applyOperator(row);
 
@@ -555,10 +571,10 @@ ReplaceTermsParameterWidget::ReplaceTermsParameterWidget(Parameter *parameter, Q
     layout->setContentsMargins(0, 0, 0, 0);
     m_table = new QTableWidget(0, 4, this);
     m_table->setHorizontalHeaderLabels({tr("Type"), tr("From"), tr("To"), QString()});
-    m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::Interactive);
     m_table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
     m_table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Stretch);
-    m_table->horizontalHeader()->setSectionResizeMode(3, QHeaderView::ResizeToContents);
+    m_table->horizontalHeader()->setSectionResizeMode(3, QHeaderView::Fixed);
     m_table->verticalHeader()->setVisible(false);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -616,6 +632,10 @@ void ReplaceTermsParameterWidget::addRow(const ReplaceTerm &term)
     m_table->setCellWidget(row, 1, from);
     m_table->setCellWidget(row, 2, to);
     m_table->setCellWidget(row, 3, remove);
+    if (row == 0) {
+        m_table->setColumnWidth(0, type->sizeHint().width());
+        m_table->setColumnWidth(3, remove->sizeHint().width() + 4);
+    }
     checkRow(row);
     connect(type, QOverload<int>::of(&QComboBox::activated), this, [this, type] {
         checkRow(rowOf(type));

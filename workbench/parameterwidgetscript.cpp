@@ -397,7 +397,7 @@ QTableWidget *makeRulesTable(QWidget *parent, const QString &name)
         {QObject::tr("Rule"), QObject::tr("Value"), QObject::tr("Severity"), QObject::tr("Flag")});
     table->horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     table->horizontalHeader()->setSectionResizeMode(1, QHeaderView::Stretch);
-    table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+    table->horizontalHeader()->setSectionResizeMode(2, QHeaderView::Fixed);
     table->horizontalHeader()->setSectionResizeMode(3, QHeaderView::ResizeToContents);
     table->verticalHeader()->setVisible(false);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -516,6 +516,7 @@ void VerifyRulesParameterWidget::fillRules(
         table->setCellWidget(r, 1, value);
         table->setCellWidget(r, 2, severity);
         table->setCellWidget(r, 3, flag);
+        table->setColumnWidth(2, severity->sizeHint().width());
         const auto check = [value, rule, datasetRules, type] {
             setMarked(value, !isValueUsable(rule.id, datasetRules, type, value->text()),
                 tr("This rule can't use the value."));

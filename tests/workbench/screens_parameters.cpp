@@ -11,6 +11,7 @@
 #include "workbench/itemwidgettransform.h"
 #include "workbench/mainwindow.h"
 
+#include <QAction>
 #include <QSplitter>
 
 namespace {
@@ -107,6 +108,9 @@ TABRELLE_SCREENS(parameterWidgets)
     const QList<Node *> inputs = inputNodes(scene);
     if (!pane || inputs.size() < 2)
         return;
+    // The inputs need their data for the column lists.
+    window.action(QStringLiteral("runEverythingAction"))->trigger();
+    screens::waitForRun(window);
     // The item pane as tall as the window allows, so that the large editors show whole.
     if (auto *splitter = pane->findChild<QSplitter *>(QStringLiteral("m_itemSplitter")))
         splitter->setSizes({800, 100});
@@ -131,6 +135,9 @@ TABRELLE_SCREENS(parameterWidgets)
         const QList<Parameter *> parameters = node->transform()->parameterList();
         for (Parameter *parameter : parameters)
             fill(parameter);
+        scene->invalidate(node);
+        window.action(QStringLiteral("runEverythingAction"))->trigger();
+        screens::waitForRun(window);
         window.view()->setCurrentNode(node);
         pane->refresh();
         screens::settle();

@@ -126,6 +126,8 @@ private slots:
     void autoRunDelay_data();
     void autoRunDelay();
     void disabledDuringRun();
+    void exploreButton_data();
+    void exploreButton();
 
 private:
     TransformItemWidget *showTransform();
@@ -553,6 +555,62 @@ void TestItemWidgets::disabledDuringRun()
     m_pane->refresh();
     QCOMPARE(qobject_cast<QLineEdit *>(text)->text(), QStringLiteral("set by the run"));
     QCOMPARE(m_undoStack->count(), 0);
+}
+
+void TestItemWidgets::exploreButton_data()
+{
+    QTest::addColumn<QString>("transform");
+    QTest::addColumn<QString>("text"); // empty: no button
+    QTest::addColumn<QString>("tip");
+    QTest::newRow("join compares keys") << "Join"
+                                        << "Explore Keys..."
+                                        << "Click to compare keys between the 2 input datasets.";
+    QTest::newRow("dedupe explores duplicates") << "Dedupe"
+                                                << "Explore Duplicates..."
+                                                << "Click to explorer duplicates in the dataset.\nMay be "
+                                                   "slow for large datasets, especially for fuzzy "
+                                                   "match.";
+    QTest::newRow("sort has neither") << "Sort"
+                                      << ""
+                                      << "";
+}
+
+void TestItemWidgets::exploreButton()
+{
+    QFETCH(QString, transform);
+    QFETCH(QString, text);
+    QFETCH(QString, tip);
+    const Transform *prototype = nullptr;
+    for (const Transform *candidate : Application::instance()->transforms()) {
+        if (candidate->id() == transform)
+            prototype = candidate;
+    }
+    QVERIFY(prototype);
+    auto *node = new TransformNode(prototype->clone());
+    m_scene->addNode(node);
+    QVERIFY(m_scene->connectNodes(m_input, node));
+    m_pane->setCurrentNode(node);
+    m_pane->show();
+    auto *widget = qobject_cast<TransformItemWidget *>(m_pane->itemWidget());
+    QVERIFY(widget);
+    if (text.isEmpty()) {
+        QVERIFY(!widget->exploreButton());
+        return;
+    }
+    QPushButton *button = widget->exploreButton();
+    QVERIFY(button);
+    QCOMPARE(button->text(), text);
+    QCOMPARE(button->toolTip(), tip);
+    QVERIFY(button->isVisible());
+    // It comes before the options in the tab order, counted from the top of the pane.
+    QWidget *first = widget->parameterWidget(node->transform()->parameterList().first()->name())->focusTarget();
+    QList<QWidget *> chain;
+    for (QWidget *next = widget->nextInFocusChain(); next && next != widget && !chain.contains(next);
+         next = next->nextInFocusChain())
+        chain << next;
+    QVERIFY(chain.contains(first));
+    QVERIFY(chain.contains(button));
+    QVERIFY(chain.indexOf(button) < chain.indexOf(first));
 }
 
 int main(int argc, char **argv)
