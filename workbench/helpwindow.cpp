@@ -373,7 +373,12 @@ QString HelpWindow::shortcutsMarkdown(const QList<QAction *> &actions)
         QStringList keys;
         for (const QKeySequence &sequence : action->shortcuts())
             keys << sequence.toString(QKeySequence::NativeText);
-        const QString name = plainActionText(action);
+        QString name = plainActionText(action);
+        // Undo and Redo carry the step they would take back; the page names the command.
+        for (const QString &command : {tr("Undo"), tr("Redo")}) {
+            if (name.startsWith(command + QLatin1Char(' ')))
+                name = command;
+        }
         const QString row = QStringLiteral("| %1 | %2 |").arg(tableCell(name), tableCell(keys.join(QStringLiteral(", "))));
         if (name.isEmpty() || seen.contains(row))
             continue;

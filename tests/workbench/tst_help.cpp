@@ -440,6 +440,9 @@ void TestHelp::shortcutsPage_data()
     QTest::newRow("doubled ampersand is one") << "Save && &Close" << "Ctrl+W" << "| Save & Close | Ctrl+W |";
     QTest::newRow("a bar in a name is escaped") << "A|B" << "F7" << "| A\\|B | F7 |";
     QTest::newRow("no shortcut, not listed") << "&Nothing" << "" << "";
+    QTest::newRow("undo without its step") << "&Undo move" << "Ctrl+Z" << "| Undo | Ctrl+Z |";
+    QTest::newRow("redo without its step") << "&Redo rename" << "Ctrl+Y" << "| Redo | Ctrl+Y |";
+    QTest::newRow("other words kept") << "Undock Panes" << "F8" << "| Undock Panes | F8 |";
 }
 
 void TestHelp::shortcutsPage()
