@@ -3,6 +3,7 @@
 #include "core/settings.h"
 #include "flow/graphscene.h"
 #include "flow/node.h"
+#include "transforms/transform.h"
 #include "transforms/transformnode.h"
 #include "workbench/helpwindow.h"
 #include "workbench/prompts.h"
@@ -153,6 +154,9 @@ ItemWidget::ItemWidget(Node *node, GraphScene *scene, QUndoStack *undoStack, QWi
     m_descriptionLabel->setWordWrap(true);
     m_descriptionLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
     contentLayout->addWidget(m_descriptionLabel);
+    m_imageLabel = new QLabel(content);
+    m_imageLabel->setVisible(false);
+    contentLayout->addWidget(m_imageLabel);
 
     m_hintLabel = new QLabel(content);
     m_hintLabel->setWordWrap(true);
@@ -381,6 +385,15 @@ void ItemWidget::refreshMessages()
     const QString hint = connectionHint();
     m_hintLabel->setText(hint);
     m_hintLabel->setVisible(!hint.isEmpty());
+
+    // A transform's picture of what it does, at most 240 pixels wide.
+    const auto *transformNode = qobject_cast<const TransformNode *>(m_node.data());
+    const QString image = transformNode && transformNode->transform() ? transformNode->transform()->imageName() : QString();
+    QPixmap picture = image.isEmpty() ? QPixmap() : QPixmap(QStringLiteral(":/images/") + image);
+    if (!picture.isNull() && picture.width() > 240)
+        picture = picture.scaledToWidth(240, Qt::SmoothTransformation);
+    m_imageLabel->setPixmap(picture);
+    m_imageLabel->setVisible(!picture.isNull());
 
     QPalette secondary = m_descriptionLabel->palette();
     secondary.setColor(QPalette::WindowText, secondaryColour(isDark(this)));

@@ -175,6 +175,7 @@ private:
     QTabWidget *m_tabs;
     QScrollArea *m_scrollArea;
     QLabel *m_descriptionLabel;
+    QLabel *m_imageLabel;
     QLabel *m_hintLabel;
     QLabel *m_messagesLabel;
     QToolButton *m_informationButton;
