@@ -20,7 +20,11 @@
 #include "undo.h"
 
 #if __has_include("itempane.h")
+#include "datapanel.h"
+#include "datatableview.h"
+#include "findbar.h"
 #include "itempane.h"
+#include "itemwidget.h"
 #define TABRELLE_HAS_ITEM_PANE 1
 #endif
 
@@ -166,6 +170,11 @@ MainWindow::MainWindow(Settings *settings, const QList<Transform *> &prototypes,
         updateActions();
     });
 #ifdef TABRELLE_HAS_ITEM_PANE
+    if (m_itemPane->dataPanel()) {
+        connect(m_itemPane->dataPanel(), &DataPanel::showWhitespaceToggled, m_showWhitespaceAction, &QAction::setChecked);
+        if (m_itemPane->dataPanel()->showWhitespace() != m_showWhitespaceAction->isChecked())
+            m_itemPane->dataPanel()->setShowWhitespace(m_showWhitespaceAction->isChecked());
+    }
     connect(m_itemPane, &ItemPane::runRequested, this, [this](Node *node) {
         if (!m_scene || m_runActive || !node || !m_scene->nodes().contains(node))
             return;
@@ -319,6 +328,54 @@ void MainWindow::createActions()
             ? QList<QKeySequence> {QKeySequence(tr("Ctrl+,"))}
             : QKeySequence::keyBindings(QKeySequence::Preferences));
     m_preferencesAction->setMenuRole(QAction::PreferencesRole);
+    m_findAction = make(tr("&Find in Table..."), QStringLiteral("findAction"), QKeySequence::Find);
+    m_findNextAction = make(tr("Find &Next"), QStringLiteral("findNextAction"), QKeySequence::FindNext);
+    m_findPreviousAction = make(tr("Find Pre&vious"), QStringLiteral("findPreviousAction"), QKeySequence::FindPrevious);
+    m_goToRowAction = make(tr("&Go to Row..."), QStringLiteral("goToRowAction"), QKeySequence(tr("Ctrl+G")));
+    m_showWhitespaceAction = make(tr("Show &Whitespace in Table"), QStringLiteral("showWhitespaceAction"));
+    m_showWhitespaceAction->setCheckable(true);
+    m_showWhitespaceAction->setChecked(m_settings && m_settings->boolValue(QStringLiteral("table_show_whitespace")));
+    m_nextPaneAction = make(tr("Next &Pane"), QStringLiteral("nextPaneAction"), QKeySequence(Qt::Key_F6));
+    m_previousPaneAction = make(tr("Previous Pa&ne"), QStringLiteral("previousPaneAction"), QKeySequence(Qt::SHIFT + Qt::Key_F6));
+    m_saveDefaultsAction = make(tr("Save Options as Defa&ults"), QStringLiteral("saveDefaultsAction"));
+    m_restoreDefaultsAction = make(tr("&Restore Default Options"), QStringLiteral("restoreDefaultsAction"));
+#ifdef TABRELLE_HAS_ITEM_PANE
+    const auto dataPanel = [this]() -> DataPanel * {
+        return m_itemPane && m_itemPane->dataPanel() && m_itemPane->dataPanel()->node() ? m_itemPane->dataPanel() : nullptr;
+    };
+    connect(m_findAction, &QAction::triggered, this, [dataPanel] {
+        if (DataPanel *panel = dataPanel())
+            panel->openFindBar();
+    });
+    connect(m_findNextAction, &QAction::triggered, this, [dataPanel] {
+        if (DataPanel *panel = dataPanel())
+            panel->findBar()->findNext();
+    });
+    connect(m_findPreviousAction, &QAction::triggered, this, [dataPanel] {
+        if (DataPanel *panel = dataPanel())
+            panel->findBar()->findPrevious();
+    });
+    connect(m_goToRowAction, &QAction::triggered, this, [dataPanel] {
+        if (DataPanel *panel = dataPanel())
+            panel->onGoToRow();
+    });
+    connect(m_showWhitespaceAction, &QAction::toggled, this, [this](bool on) {
+        if (m_settings)
+            m_settings->setValue(QStringLiteral("table_show_whitespace"), on);
+        if (m_itemPane && m_itemPane->dataPanel() && m_itemPane->dataPanel()->showWhitespace() != on)
+            m_itemPane->dataPanel()->setShowWhitespace(on);
+    });
+    connect(m_saveDefaultsAction, &QAction::triggered, this, [this] {
+        if (m_itemPane && m_itemPane->itemWidget() && m_itemPane->itemWidget()->canSaveDefaults())
+            m_itemPane->itemWidget()->saveDefaults();
+    });
+    connect(m_restoreDefaultsAction, &QAction::triggered, this, [this] {
+        if (m_itemPane && m_itemPane->itemWidget() && m_itemPane->itemWidget()->canSaveDefaults())
+            m_itemPane->itemWidget()->restoreDefaults(false);
+    });
+#endif
+    connect(m_nextPaneAction, &QAction::triggered, this, [this] { focusPane(1); });
+    connect(m_previousPaneAction, &QAction::triggered, this, [this] { focusPane(-1); });
     m_helpAction = make(tr("Tabrelle &Help"), QStringLiteral("helpAction"));
     m_shortcutsAction = make(tr("&Keyboard Shortcuts"), QStringLiteral("shortcutsAction"));
     m_itemHelpAction = make(tr("&Help for Item"), QStringLiteral("itemHelpAction"), QKeySequence::HelpContents);
@@ -708,6 +765,11 @@ void MainWindow::createMenus()
     edit->addAction(m_duplicateAction);
     edit->addAction(m_selectAllAction);
     edit->addSeparator();
+    edit->addAction(m_findAction);
+    edit->addAction(m_findNextAction);
+    edit->addAction(m_findPreviousAction);
+    edit->addAction(m_goToRowAction);
+    edit->addSeparator();
     edit->addAction(m_renameAction);
 
     QMenu *view = menuBar()->addMenu(tr("&View"));
@@ -718,6 +780,7 @@ void MainWindow::createMenus()
     view->addSeparator();
     view->addAction(m_snapToGridAction);
     view->addAction(m_rowColChangesAction);
+    view->addAction(m_showWhitespaceAction);
     view->addAction(m_showAdvancedAction);
     view->addAction(m_showTransformPaneAction);
     m_viewMenuForDocks = view;
@@ -726,6 +789,9 @@ void MainWindow::createMenus()
     theme->addAction(m_lightThemeAction);
     theme->addAction(m_darkThemeAction);
     view->addAction(m_fullScreenAction);
+    view->addSeparator();
+    view->addAction(m_nextPaneAction);
+    view->addAction(m_previousPaneAction);
 
     QMenu *item = menuBar()->addMenu(tr("&Item"));
     item->addAction(m_addInputAction);
@@ -748,6 +814,8 @@ void MainWindow::createMenus()
     item->addAction(m_openFileAction);
     item->addAction(m_openFolderAction);
     item->addSeparator();
+    item->addAction(m_saveDefaultsAction);
+    item->addAction(m_restoreDefaultsAction);
     item->addAction(m_itemHelpAction);
 
     QMenu *run = menuBar()->addMenu(tr("&Run"));
@@ -796,6 +864,7 @@ void MainWindow::createToolBar()
 {
     m_toolBar = addToolBar(tr("Main"));
     m_toolBar->setObjectName(QStringLiteral("mainToolBar"));
+
     m_toolBar->setToolButtonStyle(Qt::ToolButtonIconOnly);
     m_toolBar->addAction(m_newAction);
     m_toolBar->addAction(m_openAction);
@@ -1405,6 +1474,53 @@ void MainWindow::applySettingChange(const QString &key)
     }
 }
 
+QList<QWidget *> MainWindow::paneCycle() const
+{
+    QList<QWidget *> panes;
+    const auto add = [&panes](QWidget *widget) {
+        if (widget && widget->isVisible() && widget->isEnabled() && widget->focusPolicy() != Qt::NoFocus)
+            panes << widget;
+    };
+    for (const QString &name : {QStringLiteral("Search transforms"), QStringLiteral("Transform list")}) {
+        for (QWidget *widget : m_transformPane->findChildren<QWidget *>()) {
+            if (widget->accessibleName() == name) {
+                add(widget);
+                break;
+            }
+        }
+    }
+    add(m_view);
+#ifdef TABRELLE_HAS_ITEM_PANE
+    if (m_itemPane && m_itemPane->itemWidget()) {
+        QWidget *first = m_itemPane->itemWidget();
+        // The first field of the options takes the focus.
+        while (first && first->focusPolicy() == Qt::NoFocus && first->nextInFocusChain() != first
+            && m_itemPane->itemWidget()->isAncestorOf(first->nextInFocusChain()))
+            first = first->nextInFocusChain();
+        add(first);
+    }
+    if (m_itemPane && m_itemPane->dataPanel())
+        add(m_itemPane->dataPanel()->view());
+#endif
+    add(m_logTextEdit);
+    return panes;
+}
+
+void MainWindow::focusPane(int step)
+{
+    const QList<QWidget *> panes = paneCycle();
+    if (panes.isEmpty())
+        return;
+    QWidget *focus = QApplication::focusWidget();
+    int at = -1;
+    for (int i = 0; i < panes.size(); ++i) {
+        if (focus && (panes.at(i) == focus || panes.at(i)->isAncestorOf(focus)))
+            at = i;
+    }
+    const int next = at < 0 ? (step > 0 ? 0 : panes.size() - 1) : (at + step + panes.size()) % panes.size();
+    panes.at(next)->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+}
+
 void MainWindow::removeRecovery()
 {
     QFile::remove(recoveryPath());
@@ -1524,6 +1640,20 @@ void MainWindow::updateActions()
     m_connectFromAction->setEnabled(current && !running);
     m_recentDocumentsAction->setEnabled(!running);
     m_recoveredFlowsAction->setEnabled(!running);
+#ifdef TABRELLE_HAS_ITEM_PANE
+    const bool hasTable = m_itemPane && m_itemPane->dataPanel() && m_itemPane->dataPanel()->node()
+        && current && current->status() == Node::UpToDate;
+    const bool hasFindText = hasTable && !m_itemPane->dataPanel()->findBar()->text().isEmpty();
+    const bool defaults = m_itemPane && m_itemPane->itemWidget() && m_itemPane->itemWidget()->canSaveDefaults();
+#else
+    const bool hasTable = false, hasFindText = false, defaults = false;
+#endif
+    m_findAction->setEnabled(hasTable);
+    m_findNextAction->setEnabled(hasFindText);
+    m_findPreviousAction->setEnabled(hasFindText);
+    m_goToRowAction->setEnabled(hasTable && current->dataset().rowCount() > 0);
+    m_saveDefaultsAction->setEnabled(defaults && !running);
+    m_restoreDefaultsAction->setEnabled(defaults && !running);
     m_compareAction->setEnabled(m_scene && m_scene->nodes().size() >= 2);
     updateRunActions();
 }

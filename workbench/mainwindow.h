@@ -126,6 +126,9 @@ private:
     void afterInteractiveOpen(const DocumentProperties &properties);
     void applySettingChange(const QString &key);
     void releaseRecoveryLocks();
+    // The panes F6 and Shift+F6 move through, in order, those that can take focus.
+    QList<QWidget *> paneCycle() const;
+    void focusPane(int step);
 
     Settings *m_settings;
     QList<Transform *> m_prototypes;
@@ -183,5 +186,7 @@ public:
     QAction *m_recentDocumentsAction, *m_recoveredFlowsAction, *m_connectToAction, *m_connectFromAction,
         *m_compareAction, *m_exploreKeysAction, *m_exploreDuplicatesAction, *m_preferencesAction;
     QAction *m_helpAction, *m_shortcutsAction, *m_itemHelpAction;
+    QAction *m_findAction, *m_findNextAction, *m_findPreviousAction, *m_goToRowAction, *m_showWhitespaceAction,
+        *m_nextPaneAction, *m_previousPaneAction, *m_saveDefaultsAction, *m_restoreDefaultsAction;
     QMenu *m_examplesMenu = nullptr;
 };

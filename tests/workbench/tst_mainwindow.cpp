@@ -45,6 +45,8 @@ private slots:
     void startupChoice();
     void dialogsOpenFromTheirActions_data();
     void dialogsOpenFromTheirActions();
+    void panesCycleWithF6_data();
+    void panesCycleWithF6();
     void shortcutsAreUnique();
     void mnemonicsAreUniqueInEachMenu();
     void everyActionHasText();
@@ -440,6 +442,34 @@ void TestMainWindow::dialogsOpenFromTheirActions()
     QVERIFY2(trigger->isEnabled(), qPrintable(action));
     trigger->trigger();
     QCOMPARE(shown, dialog);
+}
+
+void TestMainWindow::panesCycleWithF6_data()
+{
+    QTest::addColumn<QString>("keys"); // n: F6, p: Shift+F6, starting on the canvas
+    QTest::addColumn<QString>("focused"); // accessible name of the focused widget or its pane
+    QTest::newRow("canvas back to the transform list") << "p" << "Transform list";
+    QTest::newRow("list back to the search") << "pp" << "Search transforms";
+    QTest::newRow("there and back") << "np" << "Canvas";
+    QTest::newRow("search wraps back to messages") << "ppp" << "Messages";
+    QTest::newRow("messages wrap on to the search") << "pppn" << "Search transforms";
+}
+
+void TestMainWindow::panesCycleWithF6()
+{
+    QFETCH(QString, keys);
+    QFETCH(QString, focused);
+    m_window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_window));
+    m_window->view()->setFocus();
+    QTRY_VERIFY(m_window->view()->hasFocus());
+    for (const QChar key : keys)
+        m_window->action(key == QLatin1Char('n') ? QStringLiteral("nextPaneAction") : QStringLiteral("previousPaneAction"))
+            ->trigger();
+    QString name;
+    for (QWidget *widget = QApplication::focusWidget(); widget && name.isEmpty(); widget = widget->parentWidget())
+        name = widget->accessibleName();
+    QCOMPARE(name, focused);
 }
 
 void TestMainWindow::shortcutsAreUnique()
