@@ -5,13 +5,8 @@
 #include "textsource.h"
 
 #include <QCoreApplication>
-#include <QFile>
-#include <QThread>
 
-#include <algorithm>
 #include <cstring>
-#include <memory>
-#include <thread>
 #include <vector>
 
 #ifdef __SSE2__
@@ -94,8 +89,7 @@ public:
             m_classes[m_delimiter] = ClassDelimiter;
     }
 
-    // Reads the whole text; false, with the warning, when a value is too long to hold.
-    bool consume(TextSource &source, ReadReport &report)
+    bool read(TextSource &source, ReadReport &report)
     {
         const QChar *data = nullptr;
         int length = 0;
@@ -111,27 +105,17 @@ public:
                 report.reportProgress(source.progress());
             }
         }
-        return true;
-    }
-
-    // Whether the text read so far ended with a row, outside quotes.
-    bool endsAtRowEnd() const { return (m_state == 0 || m_state == 6) && m_sink.rowIsEmpty(); }
-    int inputRows() const { return m_rowNumber; }
-
-    // Ends the last row and gives the shape of the rows; input rows are numbered in the
-    // warnings from rowOffset on.
-    RowShape finish(QStringList &warnings, int rowOffset)
-    {
         if (m_state == 2 || m_state == 3) {
-            warnings << tr("A quote opened in input row %1 is never closed, so the rest of the text "
-                           "was read as one value")
-                            .arg(rowOffset + m_quoteRow + 1);
+            report.warnings << tr("A quote opened in input row %1 is never closed, so the rest of the text "
+                                  "was read as one value")
+                                   .arg(m_quoteRow + 1);
         }
         if (m_cellLength > 0 || !m_sink.rowIsEmpty()) {
             finishCell(false);
             finishRow();
         }
-        return m_sink.finishShape();
+        m_sink.finish(report);
+        return true;
     }
 
 private:
@@ -299,7 +283,7 @@ public:
         , m_progressChars(progressChars)
     { }
 
-    bool consume(TextSource &source, ReadReport &report)
+    bool read(TextSource &source, ReadReport &report)
     {
         const QChar *data = nullptr;
         int length = 0;
@@ -315,21 +299,12 @@ public:
                 report.reportProgress(source.progress());
             }
         }
-        return true;
-    }
-
-    bool endsAtRowEnd() const { return m_cell.isEmpty() && m_sink.rowIsEmpty() && !m_afterDelimiter; }
-    int inputRows() const { return m_rowNumber; }
-
-    RowShape finish(QStringList &warnings, int rowOffset)
-    {
-        Q_UNUSED(warnings)
-        Q_UNUSED(rowOffset)
         if (!m_cell.isEmpty() || !m_sink.rowIsEmpty()) {
             addCell(nullptr, 0);
             m_sink.endRow(m_rowNumber, m_rowNumber >= m_ignoreFirstRows);
         }
-        return m_sink.finishShape();
+        m_sink.finish(report);
+        return true;
     }
 
 private:
@@ -387,156 +362,9 @@ private:
     int m_rowNumber = 0;
 };
 
-// Files from this size on are read in two parts at once, one on a second thread.
-qint64 s_partBytes = qint64(8) << 20;
-// How far past the middle a part may look for the row end it starts after.
-constexpr qint64 SplitSearchBytes = 1 << 20;
-
-// The byte after the first line break past the middle of the file at which the text is
-// outside quotes, judged by the count of quote bytes before it; -1 when there is none
-// near the middle. A quote inside an unquoted value can fool the count: the first part
-// then doesn't end with a row, and the caller reads the file whole instead.
-qint64 splitPoint(const QString &fileName, qint64 size, bool quoted)
-{
-    QFile file(fileName);
-    if (!file.open(QIODevice::ReadOnly))
-        return -1;
-    const qint64 middle = size / 2;
-    const qint64 end = qMin(size, middle + SplitSearchBytes);
-    qint64 quotes = 0;
-    qint64 position = 0;
-    QByteArray block;
-    while (position < end) {
-        block = file.read(qMin(qint64(1) << 20, end - position));
-        if (block.isEmpty())
-            return -1;
-        const char *bytes = block.constData();
-        const qint64 length = block.size();
-        qint64 i = 0;
-        if (position < middle) {
-            // Before the middle only the quotes count.
-            const qint64 stop = qMin(length, middle - position);
-            if (quoted)
-                quotes += std::count(bytes, bytes + stop, '"');
-            i = stop;
-        }
-        for (; i < length; ++i) {
-            if (bytes[i] == '"') {
-                ++quotes;
-            } else if (bytes[i] == '\n' && (!quoted || quotes % 2 == 0)) {
-                const qint64 split = position + i + 1;
-                return split < size ? split : -1;
-            }
-        }
-        position += length;
-    }
-    return -1;
-}
-
-// Appends the rows of part to table, widening the narrower one with empty cells.
-void appendRows(Dataset &table, Dataset &part)
-{
-    const int columns = qMax(table.columnCount(), part.columnCount());
-    if (columns == 0)
-        return;
-    if (table.columnCount() < columns)
-        table.setColumnCount(columns);
-    if (part.columnCount() < columns)
-        part.setColumnCount(columns);
-    const int first = table.rowCount();
-    const int rows = part.rowCount();
-    table.setRowCount(first + rows);
-    for (int r = 0; r < rows; ++r)
-        table.mutableRow(DataRowIndex(first + r)).swap(part.mutableRow(DataRowIndex(r)));
-    part = Dataset();
-}
-
-// Reads the text with the reader make gives, in two parts at once when the text is a large
-// file that can be split at a row end; the table and the messages are the same either way.
-template<typename MakeReader>
-bool readText(TextSource &source, const InputOptions &options, Dataset &table, ReadReport &report,
-    MakeReader make, bool quoted)
-{
-    const qint64 size = source.byteSize();
-    qint64 split = -1;
-    if (source.canSplit() && size >= s_partBytes && QThread::idealThreadCount() > 1 && table.columnCount() == 0)
-        split = splitPoint(source.fileName(), size, quoted);
-    std::unique_ptr<TextSource> second;
-    if (split > 0 && source.setByteLimit(split))
-        second = source.openPart(split);
-    if (!second) {
-        auto reader = make(options, table);
-        if (!reader->consume(source, report))
-            return false;
-        reader->finish(report.warnings, 0).report(report);
-        return true;
-    }
-
-    // The second part starts on a row of its own: no rows to skip, no progress to show.
-    InputOptions secondOptions = options;
-    secondOptions.ignoreFirstRows = 0;
-    Dataset secondTable;
-    ReadReport secondReport;
-    bool secondRead = false;
-    auto secondReader = make(secondOptions, secondTable);
-    std::thread thread([&] {
-        try {
-            secondRead = secondReader->consume(*second, secondReport);
-        } catch (...) {
-            secondRead = false; // read again whole, on this thread
-        }
-    });
-    auto firstReader = make(options, table);
-    bool firstRead = false;
-    try {
-        firstRead = firstReader->consume(source, report);
-    } catch (...) {
-        thread.join();
-        throw;
-    }
-    thread.join();
-    if (!firstRead)
-        return false;
-    if (!secondRead || !firstReader->endsAtRowEnd() || firstReader->inputRows() < options.ignoreFirstRows) {
-        // The parts didn't meet at a row end, or the second couldn't be read on its own.
-        firstReader.reset();
-        secondReader.reset();
-        table = Dataset();
-        if (!secondRead && secondReport.warnings.size() > 0) {
-            report.warnings += secondReport.warnings;
-            return false;
-        }
-        if (!source.restart())
-            return false;
-        auto reader = make(options, table);
-        if (!reader->consume(source, report))
-            return false;
-        reader->finish(report.warnings, 0).report(report);
-        return true;
-    }
-    const int offset = firstReader->inputRows();
-    RowShape shape = firstReader->finish(report.warnings, 0);
-    RowShape secondShape = secondReader->finish(report.warnings, offset);
-    for (auto &width : secondShape.widths)
-        width.second.firstInputRow += offset;
-    shape.add(secondShape);
-    firstReader.reset();
-    secondReader.reset();
-    appendRows(table, secondTable);
-    source.addCounts(*second);
-    report.reportProgress(1.0);
-    shape.report(report);
-    return true;
-}
-
 } // namespace
 
 namespace DelimitedReader {
-
-void setPartBytes(qint64 bytes)
-{
-    s_partBytes = bytes;
-}
 
 QChar character(int delimiter, QChar custom)
 {
@@ -614,11 +442,8 @@ int guess(const QString &sample, ReadReport &report)
 bool readUnquoted(
     TextSource &source, const InputOptions &options, QChar delimiter, Dataset &table, ReadReport &report)
 {
-    const qint64 progressChars = delimiter.isNull() ? PlainProgressChars : LineProgressChars;
-    const auto make = [&](const InputOptions &partOptions, Dataset &part) {
-        return std::make_unique<LineReader>(partOptions, part, delimiter, progressChars);
-    };
-    if (!readText(source, options, table, report, make, false)) {
+    LineReader reader(options, table, delimiter, delimiter.isNull() ? PlainProgressChars : LineProgressChars);
+    if (!reader.read(source, report)) {
         table = Dataset();
         return false;
     }
@@ -642,10 +467,8 @@ bool readDelimited(TextSource &source, const InputOptions &options, Dataset &tab
     }
     if (!quoted)
         return readUnquoted(source, options, character, table, report);
-    const auto make = [&](const InputOptions &partOptions, Dataset &part) {
-        return std::make_unique<QuotedReader>(partOptions, part, character);
-    };
-    if (!readText(source, options, table, report, make, true)) {
+    QuotedReader reader(options, table, character);
+    if (!reader.read(source, report)) {
         table = Dataset();
         return false;
     }

@@ -36,10 +36,6 @@ int guess(const QString &sample, ReadReport &report);
 bool readUnquoted(
     TextSource &source, const InputOptions &options, QChar delimiter, Dataset &table, ReadReport &report);
 
-// Files from this many bytes on are read in two parts at once (8 MiB unless set); tests
-// lower it to read small files so.
-void setPartBytes(qint64 bytes);
-
 } // namespace DelimitedReader
 
 bool readDelimited(TextSource &source, const InputOptions &options, Dataset &table, ReadReport &report);

@@ -129,14 +129,13 @@ void ValuePool::grow()
     m_slots.swap(bigger);
 }
 
-RowSink::RowSink(const InputOptions &options, Dataset &table, std::vector<ValuePool> *pools)
+RowSink::RowSink(const InputOptions &options, Dataset &table)
     : m_table(table)
     , m_trim(options.trimWhitespace)
     , m_simplify(options.simplifyWhitespace)
     , m_ignoreEmptyRows(options.ignoreEmptyRows)
     , m_changesCells(options.trimWhitespace || options.simplifyWhitespace)
     , m_pooling(Dataset::memoryMode() != 1)
-    , m_pools(pools ? *pools : m_ownPools)
     , m_used(table.rowCount())
 {
     setBlankRowWidth(table.columnCount());
@@ -225,14 +224,14 @@ void RowSink::store(int inputRow)
     for (int c = 0; c < values && blank; ++c)
         blank = m_cells[c].isEmpty();
     if (m_ignoreEmptyRows && blank) {
-        ++m_shape.emptyRows;
+        ++m_emptyRows;
         endRow(inputRow, false);
         return;
     }
     if (values != m_lastWidthValues) {
-        auto found = m_shape.widths.find(values);
-        if (found == m_shape.widths.end())
-            found = m_shape.widths.emplace(values, RowShape::Width {0, inputRow}).first;
+        auto found = m_widths.find(values);
+        if (found == m_widths.end())
+            found = m_widths.emplace(values, Width {0, inputRow}).first;
         m_lastWidth = &found->second;
         m_lastWidthValues = values;
     }
@@ -262,45 +261,21 @@ void RowSink::store(int inputRow)
 
 void RowSink::finish(ReadReport &report)
 {
-    finishShape().report(report);
-}
-
-RowShape RowSink::finishShape()
-{
     if (m_table.rowCount() > m_used)
         m_table.setRowCount(m_used);
-    return m_shape;
-}
-
-void RowShape::add(const RowShape &other)
-{
-    for (const auto &[values, width] : other.widths) {
-        auto found = widths.find(values);
-        if (found == widths.end()) {
-            widths.emplace(values, width);
-        } else {
-            found->second.rows += width.rows;
-            found->second.firstInputRow = qMin(found->second.firstInputRow, width.firstInputRow);
-        }
-    }
-    emptyRows += other.emptyRows;
-}
-
-void RowShape::report(ReadReport &report) const
-{
-    if (widths.size() > 1) {
+    if (m_widths.size() > 1) {
         QStringList lines;
-        lines << RowSink::tr("Number of values per row vary:");
-        for (const auto &[values, width] : widths) {
-            lines << RowSink::tr("%1 input %2 %3 %4: E.g. input row %5")
+        lines << tr("Number of values per row vary:");
+        for (const auto &[values, width] : m_widths) {
+            lines << tr("%1 input %2 %3 %4: E.g. input row %5")
                          .arg(width.rows)
-                         .arg(width.rows == 1 ? RowSink::tr("row has") : RowSink::tr("rows have"))
+                         .arg(width.rows == 1 ? tr("row has") : tr("rows have"))
                          .arg(values)
-                         .arg(values == 1 ? RowSink::tr("value") : RowSink::tr("values"))
+                         .arg(values == 1 ? tr("value") : tr("values"))
                          .arg(width.firstInputRow + 1);
         }
         report.warnings << lines.join(QLatin1Char('\n'));
     }
-    if (emptyRows > 0)
-        report.information << RowSink::tr("%1 empty row(s) ignored").arg(emptyRows);
+    if (m_emptyRows > 0)
+        report.information << tr("%1 empty row(s) ignored").arg(m_emptyRows);
 }

@@ -39,24 +39,6 @@ private:
     bool m_enabled;
 };
 
-// The shape of the rows a sink kept: how many rows had each number of values, with the
-// first input row of each, and how many empty rows were dropped. Shapes of the parts of
-// one input add up.
-struct RowShape
-{
-    struct Width
-    {
-        int rows = 0;
-        int firstInputRow = 0;
-    };
-    std::map<int, Width> widths;
-    int emptyRows = 0;
-
-    void add(const RowShape &other);
-    // The ragged row warning and the empty row count.
-    void report(ReadReport &report) const;
-};
-
 // Where the line readers hand their rows: trims and simplifies cells, drops blank rows,
 // widens the table to the widest row and pads shorter ones, shares repeated values, and
 // keeps what the ragged row warning and the empty row count tell. Rows are built a cell
@@ -65,9 +47,7 @@ class RowSink
 {
     Q_DECLARE_TR_FUNCTIONS(RowSink)
 public:
-    // pools: the value pools to share texts through, kept by the caller across several
-    // sinks; the sink has its own when null.
-    RowSink(const InputOptions &options, Dataset &table, std::vector<ValuePool> *pools = nullptr);
+    RowSink(const InputOptions &options, Dataset &table);
     ~RowSink();
     RowSink(const RowSink &) = delete;
     RowSink &operator=(const RowSink &) = delete;
@@ -92,12 +72,16 @@ public:
     // Sets the table's final row count and adds the ragged row warning and the empty row
     // count to the report.
     void finish(ReadReport &report);
-    // Sets the table's final row count and gives the shape of its rows, unreported.
-    RowShape finishShape();
 
-    int emptyRows() const { return m_shape.emptyRows; }
+    int emptyRows() const { return m_emptyRows; }
 
 private:
+    struct Width
+    {
+        int rows = 0;
+        int firstInputRow = 0;
+    };
+
     ValuePool &pool(int column);
     // The next cell of the row: rows start as a copy of a row of shared empty strings as
     // wide as the table, so that a cell is filled in place and a short row is padded.
@@ -123,10 +107,10 @@ private:
     QStringList m_row;
     QString *m_cells = nullptr; // m_row's strings, which a QStringList keeps side by side
     int m_count = 0; // cells filled in m_row
-    std::vector<ValuePool> m_ownPools;
-    std::vector<ValuePool> &m_pools;
+    std::vector<ValuePool> m_pools;
     int m_used = 0; // rows filled; the table may hold blank rows beyond, made in batches
-    RowShape m_shape;
-    RowShape::Width *m_lastWidth = nullptr; // rows mostly share one width: skips the map lookup
+    int m_emptyRows = 0;
+    std::map<int, Width> m_widths;
+    Width *m_lastWidth = nullptr; // rows mostly share one width: skips the map lookup
     int m_lastWidthValues = -1;
 };

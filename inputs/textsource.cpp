@@ -1,6 +1,5 @@
 #include "textsource.h"
 
-#include <QFile>
 #include <QIODevice>
 #include <QTextCodec>
 #include <QTextDecoder>
@@ -69,10 +68,7 @@ bool TextSource::fill()
 {
     if (!m_device)
         return false;
-    qint64 want = ChunkBytes;
-    if (m_byteLimit >= 0)
-        want = qMin(want, m_byteLimit - m_device->pos());
-    QByteArray bytes = want > 0 ? m_device->read(want) : QByteArray();
+    QByteArray bytes = m_device->read(ChunkBytes);
     if (bytes.isEmpty()) {
         // A sequence cut off by the end of the file is an invalid one, not a silent loss.
         if (m_decoder->needsMoreData() && !m_truncatedSequence) {
@@ -92,9 +88,8 @@ bool TextSource::fill()
     QString decoded = m_decoder->toUnicode(bytes);
     // A chunk never ends in a carriage return unless the input does, so that a reader
     // sees CR LF in one piece.
-    while (decoded.endsWith(QLatin1Char('\r')) && !m_device->atEnd()
-        && (m_byteLimit < 0 || m_device->pos() < m_byteLimit)) {
-        bytes = m_device->read(m_byteLimit < 0 ? 16 : qMin(qint64(16), m_byteLimit - m_device->pos()));
+    while (decoded.endsWith(QLatin1Char('\r')) && !m_device->atEnd()) {
+        bytes = m_device->read(16);
         m_chunkBytes += bytes.size();
         if (m_charWidth == 1)
             m_nulCount += countZeroBytes(bytes);
@@ -239,63 +234,5 @@ qint64 TextSource::estimatedChars() const
 
 bool TextSource::hasInvalidBytes() const
 {
-    return m_truncatedSequence || m_partFailure || (m_decoder && m_decoder->hasFailure());
-}
-
-bool TextSource::canSplit() const
-{
-    if (!m_device || m_device->isSequential() || !qobject_cast<QFile *>(m_device) || m_charWidth != 1)
-        return false;
-    // UTF-8, ISO-8859-1 and -15, and the Windows code pages 1250 to 1258.
-    const int mib = m_codec->mibEnum();
-    return mib == 106 || mib == 4 || mib == 111 || (mib >= 2250 && mib <= 2258);
-}
-
-QString TextSource::fileName() const
-{
-    const auto *file = qobject_cast<const QFile *>(m_device);
-    return file ? file->fileName() : QString();
-}
-
-bool TextSource::setByteLimit(qint64 end)
-{
-    if (!m_device || m_device->pos() > end)
-        return false;
-    m_byteLimit = end;
-    return true;
-}
-
-std::unique_ptr<TextSource> TextSource::openPart(qint64 start) const
-{
-    auto file = std::make_unique<QFile>(fileName());
-    if (!file->open(QIODevice::ReadOnly) || !file->seek(start))
-        return nullptr;
-    auto part = std::make_unique<TextSource>(file.get(), QString::fromLatin1(m_codec->name()));
-    part->m_ownDevice = std::move(file);
-    part->m_size = m_size;
-    part->m_chunkBytes = start;
-    return part;
-}
-
-void TextSource::addCounts(const TextSource &part)
-{
-    m_nulCount += part.m_nulCount;
-    m_partFailure = m_partFailure || part.hasInvalidBytes();
-}
-
-bool TextSource::restart()
-{
-    if (!m_device || !m_device->seek(0))
-        return false;
-    m_decoder.reset(m_codec->makeDecoder());
-    m_buffer.clear();
-    m_position = 0;
-    m_bytesRead = 0;
-    m_chunkBytes = 0;
-    m_nulCount = 0;
-    m_byteLimit = -1;
-    m_truncatedSequence = false;
-    m_partFailure = false;
-    m_accumulating = false;
-    return true;
+    return m_truncatedSequence || (m_decoder && m_decoder->hasFailure());
 }

@@ -50,33 +50,12 @@ public:
     // True when some bytes were not valid in the codec and were read as U+FFFD.
     bool hasInvalidBytes() const;
 
-    // Reading a large file in two parts at once. Parts can be made of a file in a codec
-    // where a byte below 0x80 always is that ASCII character, such as UTF-8 or Latin-1,
-    // so that line breaks and quotes can be found in the bytes.
-    bool canSplit() const;
-    // The file's name, when the text comes from a file.
-    QString fileName() const;
-    // The size of the input in bytes.
-    qint64 byteSize() const { return m_size; }
-    // Ends the text at byte end of the file, before anything past it has been read: the
-    // first part. False when that much has already been read.
-    bool setByteLimit(qint64 end);
-    // The rest of the file from byte start on, opened again, in the same codec: the second
-    // part. Null when the file can't be opened again.
-    std::unique_ptr<TextSource> openPart(qint64 start) const;
-    // Adds what the messages tell of a second part: its NULs and invalid bytes.
-    void addCounts(const TextSource &part);
-    // Back to the start of the file, as if nothing had been read; false when the device
-    // can't seek.
-    bool restart();
-
 private:
     // Decodes the next chunk of bytes after what is left of the buffer; false at the end.
     bool fill();
     void countNuls(int from);
 
     QIODevice *m_device = nullptr;
-    std::unique_ptr<QIODevice> m_ownDevice; // a part's own opening of the file
     QTextCodec *m_codec = nullptr;
     std::unique_ptr<QTextDecoder> m_decoder;
     QString m_buffer;
@@ -85,9 +64,7 @@ private:
     qint64 m_bytesRead = 0; // bytes decoded before the buffer's chunk
     qint64 m_chunkBytes = 0;
     qint64 m_nulCount = 0;
-    qint64 m_byteLimit = -1; // the end of a first part, or none
     bool m_truncatedSequence = false;
-    bool m_partFailure = false; // a second part met invalid bytes
     bool m_accumulating = false; // readAll: keep the reserved buffer
     int m_charWidth = 1;
 };

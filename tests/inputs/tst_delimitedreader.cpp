@@ -19,8 +19,6 @@ private slots:
     void plainText_data();
     void plainText();
     void wideRow();
-    void twoParts_data();
-    void twoParts();
 };
 
 void TestDelimitedReader::read_data()
@@ -288,82 +286,6 @@ void TestDelimitedReader::wideRow()
     QCOMPARE(table.cell(0, 100000), QStringLiteral("last"));
     QCOMPARE(table.cell(1, 0), QStringLiteral("short"));
     QCOMPARE(table.cell(1, 100000), QString());
-}
-
-void TestDelimitedReader::twoParts_data()
-{
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QString>("options");
-    QTest::addColumn<QString>("encoding");
-
-    // Twenty rows "i,text" with a chosen row replaced, so the middle of the file falls
-    // among ordinary rows unless a case puts something there.
-    const auto rows = [](const QMap<int, QByteArray> &special, const QByteArray &lineEnd = "\n") {
-        QByteArray bytes;
-        for (int r = 0; r < 20; ++r)
-            bytes += special.value(r, QByteArray::number(r) + ",row " + QByteArray::number(r)) + lineEnd;
-        return bytes;
-    };
-    row("plain rows", rows({}), "delimiter=1 quoting=1", "UTF-8");
-    row("CR LF", rows({}, "\r\n"), "delimiter=1", "Automatic");
-    row("line breaks in quotes across the middle",
-        rows({{9, "9,\"a\nb\n\nc\nd\ne\nf\ng\nh\ni\nj\nk\nl\nm\nn\"\"o\""}}), "delimiter=1 quoting=1",
-        "UTF-8");
-    row("ragged rows in both parts", rows({{2, "x"}, {15, "a,b,c"}, {17, "y"}}), "delimiter=1 quoting=1",
-        "UTF-8");
-    row("empty rows in both parts", rows({{3, ""}, {4, ""}, {16, ""}}), "delimiter=1 quoting=1", "UTF-8");
-    row("first rows ignored", rows({}), "delimiter=1 quoting=1 first=2", "UTF-8");
-    row("more rows ignored than the first part has", rows({}), "delimiter=1 quoting=1 first=15", "UTF-8");
-    // The quote in an unquoted value makes the quote count odd at the middle.
-    row("quote inside an unquoted value", rows({{1, "1,5\" screen"}}), "delimiter=1 quoting=1", "UTF-8");
-    // ... and then looks even inside a quoted value: the parts don't meet at a row end.
-    row("quote count fooled", rows({{1, "1,5\" screen"}, {12, "12,\"a\nb\nc\""}}), "delimiter=1 quoting=1",
-        "UTF-8");
-    row("unterminated quote in the second part", rows({{14, "14,\"open"}}), "delimiter=1 quoting=1",
-        "UTF-8");
-    row("last row without a line break", rows({}) + "20,end", "delimiter=1 quoting=1", "UTF-8");
-    row("unquoted with trimming", rows({{12, " a \t b "}}), "delimiter=4 quoting=2 trim=1", "UTF-8");
-    row("Latin-1", rows({{5, "5,caf\xe9"}, {15, "15,na\xefve"}}), "delimiter=1", "ISO-8859-1");
-    row("invalid bytes in the second part", rows({{16, "16,\xff\xfe"}}), "delimiter=1", "UTF-8");
-}
-
-// A large file is read in two parts at once; the table and every message must be the
-// same as when it is read whole.
-void TestDelimitedReader::twoParts()
-{
-    QFETCH(QByteArray, bytes);
-    QFETCH(QString, options);
-    QFETCH(QString, encoding);
-    QTemporaryDir dir;
-    QFile file(dir.filePath(QStringLiteral("data.csv")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    file.close();
-
-    const auto readFile = [&](qint64 partBytes, Dataset &table, ReadReport &report, bool &invalid) {
-        DelimitedReader::setPartBytes(partBytes);
-        QFile input(file.fileName());
-        input.open(QIODevice::ReadOnly);
-        TextSource source(&input, encoding);
-        const bool read = readDelimited(source, readertest::options(options), table, report);
-        invalid = source.hasInvalidBytes();
-        return read;
-    };
-    Dataset whole;
-    ReadReport wholeReport;
-    bool wholeInvalid = false;
-    QVERIFY(readFile(qint64(1) << 40, whole, wholeReport, wholeInvalid));
-    Dataset parts;
-    ReadReport partsReport;
-    bool partsInvalid = false;
-    QVERIFY(readFile(1, parts, partsReport, partsInvalid));
-    DelimitedReader::setPartBytes(qint64(8) << 20);
-
-    QCOMPARE(readertest::tableText(parts), readertest::tableText(whole));
-    QCOMPARE(parts.columnCount(), whole.columnCount());
-    QCOMPARE(partsReport.warnings, wholeReport.warnings);
-    QCOMPARE(partsReport.information, wholeReport.information);
-    QCOMPARE(partsInvalid, wholeInvalid);
 }
 
 QTEST_MAIN(TestDelimitedReader)
