@@ -109,6 +109,8 @@ void write(const ChartNode &node, DocumentElement &element)
     const ChartOptions &options = node.options();
     element.setInt(QStringLiteral("id"), node.id());
     element.setText(QStringLiteral("comment"), node.comment());
+    // A name given in the item pane; empty for the one made from the chart type.
+    element.setText(QStringLiteral("name"), node.Node::name());
     Document::writePosition(node, element, false);
     element.setInt(QStringLiteral("chart_type"), options.type);
     element.setInt(QStringLiteral("chart_x_column"), node.xPosition());
@@ -177,6 +179,7 @@ void read(ChartNode &node, const DocumentElement &element, DocumentReadContext &
     options.pdfResolution = choice(element, QStringLiteral("chart_pdf_resolution"), 150, 1, 9600);
     node.setOptions(options);
     node.setComment(element.text(QStringLiteral("comment")));
+    node.setName(element.text(QStringLiteral("name")));
     node.setAlias(element.text(QStringLiteral("alias")));
     Document::readPosition(node, element);
     node.setPendingColumns(qMax(0, element.intValue(QStringLiteral("chart_x_column"), 0)),

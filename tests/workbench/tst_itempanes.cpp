@@ -63,6 +63,10 @@ private slots:
     void flowSummary();
     void helpButton_data();
     void helpButton();
+    void rename_data();
+    void rename();
+    void themeColours_data();
+    void themeColours();
 
 private:
     QPushButton *button(const QString &text) const;
@@ -729,6 +733,74 @@ void TestItemPanes::helpButton()
     QVERIFY(HelpWindow::existingInstance());
     QVERIFY(HelpWindow::existingInstance()->isVisible());
     HelpWindow::existingInstance()->close();
+}
+
+void TestItemPanes::rename_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<QString>("typed");
+    QTest::addColumn<QString>("shown"); // the name once typed
+    QTest::newRow("input") << "input" << "  Orders  " << "Orders";
+    QTest::newRow("output") << "output" << "Report" << "Report";
+    QTest::newRow("chart") << "chart" << "Sales chart" << "Sales chart";
+    QTest::newRow("empty name goes back to the file name") << "input" << "" << "";
+}
+
+void TestItemPanes::rename()
+{
+    QFETCH(QString, item);
+    QFETCH(QString, typed);
+    QFETCH(QString, shown);
+    Node *node = m_input;
+    if (item == QLatin1String("output")) {
+        node = addOutput(0);
+    } else if (item == QLatin1String("chart")) {
+        node = new ChartNode;
+        m_scene->addNode(node);
+    }
+    const QString derived = node->name();
+    if (typed.isEmpty())
+        node->setName(QStringLiteral("Given"));
+    const int id = node->id();
+    m_pane->setCurrentNode(node);
+    m_pane->show();
+    QLineEdit *edit = m_pane->itemWidget()->nameEdit();
+    QVERIFY(edit->isVisible());
+    const int steps = m_undoStack->count();
+    edit->setText(typed);
+    emit edit->editingFinished();
+    QCOMPARE(m_undoStack->count(), steps + 1);
+    QCOMPARE(m_undoStack->text(steps), QStringLiteral("rename"));
+    QCOMPARE(m_scene->node(id)->name(), shown.isEmpty() ? derived : shown);
+    m_undoStack->undo();
+    QCOMPARE(m_scene->node(id)->name(), typed.isEmpty() ? QStringLiteral("Given") : derived);
+}
+
+void TestItemPanes::themeColours_data()
+{
+    QTest::addColumn<bool>("dark");
+    QTest::addColumn<int>("status");
+    QTest::newRow("light, up to date") << false << int(Node::UpToDate);
+    QTest::newRow("dark, up to date") << true << int(Node::UpToDate);
+    QTest::newRow("light, error") << false << int(Node::Error);
+    QTest::newRow("dark, error") << true << int(Node::Error);
+    QTest::newRow("dark, needs updating") << true << int(Node::NeedsUpdating);
+}
+
+void TestItemPanes::themeColours()
+{
+    QFETCH(bool, dark);
+    QFETCH(int, status);
+    m_input->setStatus(status, false);
+    m_pane->setCurrentNode(m_input);
+    m_pane->show();
+    // A theme change after the pane is shown: the status follows the new window colour.
+    QPalette palette = m_pane->palette();
+    palette.setColor(QPalette::Window, dark ? QColor(0x2B, 0x2B, 0x2B) : QColor(0xEF, 0xEF, 0xEF));
+    m_pane->setPalette(palette);
+    QLabel *statusLabel = m_pane->itemWidget()->statusLabel();
+    QCOMPARE(statusLabel->palette().color(QPalette::WindowText), ItemWidget::statusColour(status, dark));
+    QVERIFY(ItemWidget::statusColour(status, true) != ItemWidget::statusColour(status, false));
 }
 
 int main(int argc, char **argv)
