@@ -27,7 +27,10 @@
 // Resources in a static library are registered by hand, once, and only when help is shown.
 static void initHelpResources()
 {
-    Q_INIT_RESOURCE(help);
+    static bool done = false;
+    if (!done)
+        Q_INIT_RESOURCE(help);
+    done = true;
 }
 
 namespace {
@@ -468,8 +471,11 @@ void HelpWindow::onSourceChanged(const QUrl &url)
     // The signal comes before source() reads the new address.
     const QString page = pageOfUrl(url);
     m_browser->polishPage();
-    const QString title = page == HelpIndex::shortcutsPage() ? HelpIndex::tr("Keyboard shortcuts")
-                                                             : HelpIndex::pageTitle(page);
+    QString title = HelpIndex::pageTitle(page);
+    if (page == HelpIndex::shortcutsPage())
+        title = HelpIndex::tr("Keyboard shortcuts");
+    else if (!page.isEmpty() && !QFile::exists(QStringLiteral(":/help/") + page))
+        title = tr("Page not found");
     const QString base = tr("Tabrelle Help");
     setWindowTitle(title.isEmpty() || title == base ? base : tr("%1 - Tabrelle Help").arg(title));
     selectPageInTree(page);

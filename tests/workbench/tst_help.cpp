@@ -42,6 +42,8 @@ private slots:
     void itemPage();
     void showTransform_data();
     void showTransform();
+    void missingPage_data();
+    void missingPage();
     void contentsTree();
     void treeShowsPages();
     void indexFromNodeFactory();
@@ -237,6 +239,24 @@ void TestHelp::showTransform()
     // The contents tree follows the page shown.
     QVERIFY(window->contentsTree()->currentItem());
     QCOMPARE(window->contentsTree()->currentItem()->text(0), treeText);
+}
+
+void TestHelp::missingPage_data()
+{
+    QTest::addColumn<QString>("id");
+    QTest::newRow("unknown transform") << "NoSuchTransform";
+    QTest::newRow("empty id") << "";
+}
+
+void TestHelp::missingPage()
+{
+    // A page that doesn't exist says so, rather than showing an empty window.
+    QFETCH(QString, id);
+    HelpWindow::showTransform(id);
+    HelpWindow *window = HelpWindow::existingInstance();
+    QVERIFY(window->isVisible());
+    QVERIFY(window->browser()->toPlainText().startsWith(QStringLiteral("Page not found")));
+    QCOMPARE(window->windowTitle(), QStringLiteral("Page not found - Tabrelle Help"));
 }
 
 void TestHelp::contentsTree()
