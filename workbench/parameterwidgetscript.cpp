@@ -420,10 +420,12 @@ VerifyRulesParameterWidget::VerifyRulesParameterWidget(Parameter *parameter, QWi
     m_datasetTable = makeRulesTable(datasetBox, tr("Dataset rules"));
     datasetLayout->addWidget(m_datasetTable);
     auto *columnBox = new QGroupBox(tr("Column rules"), splitter);
-    auto *columnLayout = new QHBoxLayout(columnBox);
+    // The list of columns above the chosen column's rules, so that the rules table has the
+    // pane's whole width for its four columns.
+    auto *columnLayout = new QVBoxLayout(columnBox);
     m_columns = new QListWidget(columnBox);
     m_columns->setAccessibleName(tr("Columns"));
-    m_columns->setMinimumWidth(140);
+    m_columns->setMinimumWidth(120);
     auto *right = new QVBoxLayout;
     auto *typeRow = new QHBoxLayout;
     auto *typeLabel = new QLabel(tr("Type:"), columnBox);
@@ -438,12 +440,12 @@ VerifyRulesParameterWidget::VerifyRulesParameterWidget(Parameter *parameter, QWi
     m_columnTable = makeRulesTable(columnBox, tr("Column rules"));
     right->addLayout(typeRow);
     right->addWidget(m_columnTable);
+    m_columns->setFixedHeight(m_columns->fontMetrics().lineSpacing() * 6 + 2 * m_columns->frameWidth() + 4);
     columnLayout->addWidget(m_columns);
     columnLayout->addLayout(right, 1);
     splitter->addWidget(datasetBox);
     splitter->addWidget(columnBox);
     layout->addWidget(splitter);
-    setMinimumHeight(520);
     connect(m_columns, &QListWidget::currentRowChanged, this, [this] {
         storeColumn();
         showColumn();
@@ -530,10 +532,15 @@ void VerifyRulesParameterWidget::fillRules(
             [this, table] { onTableEdited(table, false); });
         connect(flag, &QCheckBox::toggled, this, [this, table] { onTableEdited(table, false); });
     }
+    // Every rule shows without scrolling the table: rows as tall as their combo boxes.
     int height = table->horizontalHeader()->sizeHint().height();
-    for (int r = 0; r < table->rowCount(); ++r)
-        height += table->rowHeight(r);
-    table->setMinimumHeight(qMin(height, 200) + 2 * table->frameWidth());
+    for (int r = 0; r < table->rowCount(); ++r) {
+        const int row =
+            qMax(table->verticalHeader()->defaultSectionSize(), table->cellWidget(r, 2)->sizeHint().height());
+        table->setRowHeight(r, row);
+        height += row;
+    }
+    table->setMinimumHeight(height + 2 * table->frameWidth() + 2);
 }
 
 QList<VerifyRule> VerifyRulesParameterWidget::rulesOf(const QTableWidget *table) const

@@ -31,6 +31,12 @@ QList<Node *> inputNodes(GraphScene *scene)
 // Example values for the structured kinds, on the columns of the upstream dataset.
 void fill(Parameter *parameter)
 {
+    if (parameter->kind() == ParameterKind::ReplaceTerms) {
+        parameter->setValue(QVariant::fromValue(ReplaceTermList {
+            {0, QStringLiteral("N."), QStringLiteral("North")}, {3, QStringLiteral("^\\s+("), QString()},
+            {4, QStringLiteral("*-old"), QStringLiteral("archived")}}));
+        return;
+    }
     const Dataset *dataset = parameter->upstreamDataset();
     if (!dataset || dataset->columnCount() < 3)
         return;
@@ -64,10 +70,8 @@ void fill(Parameter *parameter)
         parameter->setValue(QVariant::fromValue(RenameColumnsValue {
             {first, QStringLiteral("Order id")}, {third, dataset->displayHeaders().at(1)}}));
         break;
-    case ParameterKind::ReplaceTerms:
-        parameter->setValue(QVariant::fromValue(ReplaceTermList {
-            {0, QStringLiteral("N."), QStringLiteral("North")}, {3, QStringLiteral("^\\s+("), QString()},
-            {4, QStringLiteral("*-old"), QStringLiteral("archived")}}));
+    case ParameterKind::Columns:
+        parameter->setValue(QVariant::fromValue(QList<ColumnId> {second, third}));
         break;
     case ParameterKind::SplitRows: {
         SplitRule rule;
@@ -142,5 +146,8 @@ TABRELLE_SCREENS(parameterWidgets)
         pane->refresh();
         screens::settle();
         screens::shoot(*pane, QStringLiteral("params-%1").arg(entry.first.toLower()));
+        // The whole form as well, however tall, for the editors the pane scrolls past.
+        if (auto *item = qobject_cast<TransformItemWidget *>(pane->itemWidget()))
+            screens::shoot(*item->formWidget(), QStringLiteral("params-%1-form").arg(entry.first.toLower()));
     }
 }
