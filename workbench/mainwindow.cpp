@@ -1049,7 +1049,10 @@ bool MainWindow::openDocument(const QString &path, bool askToSave)
         RecentDocuments::add(m_settings, m_documentPath);
     }
     appendLog(tr("Opened: %1").arg(QDir::toNativeSeparators(m_documentPath)));
-    if (!warnings.isEmpty())
+    // A flow from a later version may have lost what this version can't read: a warning.
+    if (!warnings.isEmpty() && properties.laterVersion)
+        Prompts::instance()->warning(this, tr("Open"), warnings);
+    else if (!warnings.isEmpty())
         Prompts::instance()->information(this, tr("Open"), warnings);
     afterInteractiveOpen(properties);
     QTimer::singleShot(0, this, [this] {
@@ -1064,6 +1067,24 @@ bool MainWindow::saveDocument()
 {
     if (m_documentPath.isEmpty())
         return saveDocumentAs(QString());
+    // A recovered flow must not silently replace a file changed since it was kept.
+    if (m_recovered && m_recoveredAt.isValid() && QFileInfo::exists(m_documentPath)
+        && QFileInfo(m_documentPath).lastModified() > m_recoveredAt) {
+        const int answer = Prompts::instance()->ask(this, tr("Save"),
+            tr("'%1' has changed since this flow was saved for recovery. Replace it with the recovered flow?")
+                .arg(QFileInfo(m_documentPath).fileName()),
+            QString(), {tr("&Replace"), tr("Save &As..."), tr("Cancel")}, 2, 2);
+        if (answer == 1) {
+            const QDateTime kept = m_recoveredAt;
+            m_recoveredAt = QDateTime();
+            const bool saved = saveDocumentAs(QString());
+            if (!saved)
+                m_recoveredAt = kept;
+            return saved;
+        }
+        if (answer != 0)
+            return false;
+    }
     QString error;
     m_properties.autoRun = m_scene->isAutoRun();
     m_properties.snapToGrid = m_view->snapToGrid();
@@ -1293,6 +1314,7 @@ bool MainWindow::offerRecovery()
         }
         m_properties = properties;
         m_documentPath = properties.docPath.isEmpty() ? QString() : QFileInfo(properties.docPath).absoluteFilePath();
+        m_recoveredAt = QFileInfo(path).lastModified();
         setScene(scene);
         m_recovered = true;
         m_unrecordedChange = true;

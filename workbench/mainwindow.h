@@ -2,6 +2,7 @@
 
 #include "flow/document.h"
 
+#include <QDateTime>
 #include <QMainWindow>
 #include <QPointer>
 
@@ -169,6 +170,7 @@ private:
     QLockFile *m_recoveryLock = nullptr;
     bool m_recoveryOff = false;
     QList<QLockFile *> m_offeredLocks;
+    QDateTime m_recoveredAt; // when the recovery file of a recovered flow was written
 
 public:
     // Actions, by the names of the menus.

@@ -41,6 +41,8 @@ private slots:
     void recoveryOffered();
     void recoveryDiscardAndLater_data();
     void recoveryDiscardAndLater();
+    void recoveredFlowSaveOverChangedFile_data();
+    void recoveredFlowSaveOverChangedFile();
     void startupChoice_data();
     void startupChoice();
     void dialogsOpenFromTheirActions_data();
@@ -351,6 +353,54 @@ void TestMainWindow::recoveryDiscardAndLater()
     }
     QFile::remove(path);
     QFile::remove(path + QStringLiteral(".lock"));
+}
+
+void TestMainWindow::recoveredFlowSaveOverChangedFile_data()
+{
+    QTest::addColumn<QString>("answer");
+    QTest::addColumn<bool>("replaced");
+    QTest::newRow("replace") << "Replace" << true;
+    QTest::newRow("cancel") << "Cancel" << false;
+}
+
+void TestMainWindow::recoveredFlowSaveOverChangedFile()
+{
+    QFETCH(QString, answer);
+    QFETCH(bool, replaced);
+    const QString folder = MainWindow::recoveryFolder(Application::instance()->settings());
+    QVERIFY(QDir().mkpath(folder));
+    const QString path = QDir(folder).filePath(QStringLiteral("recovery-999997.tflow"));
+    const QString document = m_folder.filePath(QStringLiteral("changed.tflow"));
+    {
+        GraphScene scene;
+        addInput(scene, QPointF(0, 0));
+        DocumentProperties properties;
+        properties.docPath = document;
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(Document::documentText(scene, properties));
+    }
+    {
+        QFile recovery(path);
+        QVERIFY(recovery.open(QIODevice::ReadWrite));
+        QVERIFY(recovery.setFileTime(QDateTime::currentDateTime().addSecs(-60), QFileDevice::FileModificationTime));
+    }
+    {
+        QFile file(document);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("changed by someone else");
+    }
+    DialogRunner::setScript([](QDialog *dialog) { dialog->findChild<QPushButton *>(QStringLiteral("openButton"))->click(); });
+    QVERIFY(m_window->offerRecovery());
+    m_prompts.answers << answer;
+    QCOMPARE(m_window->saveDocument(), replaced);
+    QVERIFY(!m_prompts.asked.isEmpty());
+    QCOMPARE(m_prompts.asked.last(),
+        QStringLiteral("'changed.tflow' has changed since this flow was saved for recovery. Replace it with the recovered flow?"));
+    QFile file(document);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll() != "changed by someone else", replaced);
+    QFile::remove(m_window->recoveryPath());
 }
 
 void TestMainWindow::startupChoice_data()
