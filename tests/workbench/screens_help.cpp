@@ -6,6 +6,7 @@
 #include "flow/graphscene.h"
 #include "flow/node.h"
 #include "workbench/helpwindow.h"
+#include "workbench/itempane.h"
 #include "workbench/mainwindow.h"
 
 #include <QAction>
@@ -18,10 +19,21 @@ TABRELLE_SCREENS(helpWindow)
     Q_UNUSED(workFolder)
     // The picture of the window on the help's first page, help/images/window.png, is this
     // shot with the Join selected, scaled to the width of a help page.
-    for (Node *node : window.scene()->nodes())
-        node->setSelected(node->name() == QLatin1String("Join"));
-    screens::settle(1000);
+    const auto select = [&window](const QString &name) {
+        for (Node *node : window.scene()->nodes())
+            node->setSelected(node->name() == name);
+        screens::settle(1000);
+    };
+    select(QStringLiteral("Join"));
     window.grab().scaledToWidth(760, Qt::SmoothTransformation).save(screens::folder() + QStringLiteral("/help-image-window.png"));
+    // The item pages show the item pane of the example's orders input and of its Join:
+    // help/images/input-pane.png and help/images/transform-pane.png.
+    if (ItemPane *pane = window.findChild<ItemPane *>()) {
+        select(QStringLiteral("orders.csv"));
+        pane->grab().save(screens::folder() + QStringLiteral("/help-image-input-pane.png"));
+        select(QStringLiteral("Join"));
+        pane->grab().save(screens::folder() + QStringLiteral("/help-image-transform-pane.png"));
+    }
 
     HelpWindow::setTransformPrototypes(Application::instance()->transforms());
     HelpWindow::setShortcutActions(window.findChildren<QAction *>());
