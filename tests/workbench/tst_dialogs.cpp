@@ -5,7 +5,9 @@
 #include "outputs/outputnode.h"
 #include "transforms/parameter.h"
 #include "transforms/transformnode.h"
+#include "workbench/aboutdialog.h"
 #include "workbench/comparedialog.h"
+#include "workbench/missingfilesdialog.h"
 #include "workbench/connectdialog.h"
 #include "workbench/dialogutil.h"
 #include "workbench/exploreduplicatesdialog.h"
@@ -16,6 +18,7 @@
 #include "workbench/recentdocuments.h"
 #include "workbench/recentdocumentsdialog.h"
 
+#include <QCryptographicHash>
 #include <QDoubleSpinBox>
 #include <QRadioButton>
 #include <QLineEdit>
@@ -71,6 +74,11 @@ private slots:
 
     void connectDialog_data();
     void connectDialog();
+
+    void missingFilesLocated_data();
+    void missingFilesLocated();
+    void aboutIntegrityLine_data();
+    void aboutIntegrityLine();
 
 private:
     // Two pasted inputs, top above bottom, joined; everything run.
@@ -868,6 +876,100 @@ void TestDialogs::connectDialog()
     QCOMPARE(m_scene->connections().size(), shown.isEmpty() ? 0 : 1);
     if (!shown.isEmpty())
         QCOMPARE(m_undo->undoText(), QStringLiteral("connect"));
+}
+
+// ----- Missing input files
+
+void TestDialogs::missingFilesLocated_data()
+{
+    QTest::addColumn<QStringList>("inNewFolder"); // files that exist in the folder moved to
+    QTest::addColumn<int>("stillMissing");
+    QTest::addColumn<int>("steps");
+    QTest::newRow("all moved together") << QStringList {"a.csv", "b.csv", "c.csv"} << 0 << 3;
+    QTest::newRow("one left behind") << QStringList {"a.csv", "b.csv"} << 1 << 2;
+    QTest::newRow("only the one located") << QStringList {"a.csv"} << 2 << 1;
+}
+
+void TestDialogs::missingFilesLocated()
+{
+    QFETCH(QStringList, inNewFolder);
+    QFETCH(int, stillMissing);
+    QFETCH(int, steps);
+    QTemporaryDir folder;
+    QDir(folder.path()).mkpath(QStringLiteral("new"));
+    for (const QString &name : inNewFolder) {
+        QFile file(folder.filePath(QStringLiteral("new/") + name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("x\n1\n");
+    }
+    QList<InputNode *> inputs;
+    for (const QString &name : {QStringLiteral("a.csv"), QStringLiteral("b.csv"), QStringLiteral("c.csv")}) {
+        auto *input = new InputNode;
+        input->setPath(folder.filePath(QStringLiteral("old/") + name));
+        m_scene->addNode(input);
+        inputs << input;
+    }
+    QCOMPARE(MissingFilesDialog::missingInputs(m_scene).size(), 3);
+    MissingFilesDialog dialog(m_scene, m_undo);
+    QCOMPARE(dialog.findChild<QLabel *>()->text(), QStringLiteral("3 input file(s) of this flow can't be found:"));
+    ScriptedFileDialogs files;
+    files.answers << QStringList {folder.filePath(QStringLiteral("new/a.csv"))};
+    FileDialogs::setInstance(&files);
+    QVERIFY(dialog.locate(0));
+    FileDialogs::setInstance(nullptr);
+    QCOMPARE(MissingFilesDialog::missingInputs(m_scene).size(), stillMissing);
+    QCOMPARE(m_undo->count(), steps);
+    QCOMPARE(m_undo->undoText(), QStringLiteral("'File' change"));
+    QCOMPARE(dialog.findChild<QLabel *>()->text(),
+        QStringLiteral("%1 input file(s) of this flow can't be found:").arg(stillMissing));
+    QCOMPARE(inputs.first()->path(), QFileInfo(folder.filePath(QStringLiteral("new/a.csv"))).absoluteFilePath());
+}
+
+// ----- About
+
+void TestDialogs::aboutIntegrityLine_data()
+{
+    QTest::addColumn<QByteArray>("record"); // empty: no record file
+    QTest::addColumn<QString>("startsWith");
+    const QByteArray digest = QCryptographicHash::hash("program", QCryptographicHash::Sha256).toHex();
+    const QString hex = QString::fromLatin1(digest);
+    QTest::newRow("no record") << QByteArray() << QStringLiteral("Program file: not checked (no installation record)");
+    QTest::newRow("malformed record") << QByteArray("not a digest  tabrelle\n")
+                                      << QStringLiteral("Program file: not checked (no installation record)");
+    QTest::newRow("same digest") << QByteArray(digest + "  tabrelle\n") << QStringLiteral("Program file: verified (SHA-256 ") + hex;
+    QTest::newRow("same digest, upper case") << QByteArray(digest.toUpper() + "  tabrelle\n")
+                                             << QStringLiteral("Program file: verified (SHA-256 ") + hex;
+    QTest::newRow("changed") << QByteArray(QByteArray(64, 'a') + "  tabrelle\n")
+                             << QStringLiteral("Program file: changed since installation (SHA-256 ") + hex
+            + QStringLiteral(", expected ") + QString(64, QLatin1Char('a'));
+}
+
+void TestDialogs::aboutIntegrityLine()
+{
+    QFETCH(QByteArray, record);
+    QFETCH(QString, startsWith);
+    QTemporaryDir folder;
+    const QString program = folder.filePath(QStringLiteral("tabrelle"));
+    {
+        QFile file(program);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("program");
+    }
+    if (!record.isEmpty()) {
+        QFile file(folder.filePath(QStringLiteral("tabrelle.sha256")));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(record);
+    }
+    const QString line = AboutDialog::integrityLine(program);
+    QVERIFY2(line.startsWith(startsWith), qPrintable(line));
+    // The About box says which edition this is and how many rows were processed.
+    Settings settings(folder.filePath(QStringLiteral("about.ini")));
+    settings.setValue(QStringLiteral("lifetime_rows_processed"), QStringLiteral("1234567"));
+    settings.setValue(QStringLiteral("first_used_date"), QStringLiteral("2024-05-01"));
+    AboutDialog about(&settings);
+    QVERIFY(about.lines().contains(QStringLiteral("Free Edition")));
+    QVERIFY(about.lines().contains(QStringLiteral("%1 rows processed since %2")
+                                       .arg(QLocale().toString(1234567), QLocale().toString(QDate(2024, 5, 1), QLocale::ShortFormat))));
 }
 
 CANVAS_TEST_MAIN(TestDialogs)
