@@ -199,7 +199,8 @@ bool ChartItemWidget::isControlShown(const QString &tab, const QString &name) co
 
 QWidget *ChartItemWidget::buildGeneralTab()
 {
-    auto *page = new QWidget;
+    // Made inside the tabs, so that Tab reaches the tab bar before the options.
+    auto *page = new QWidget(m_optionTabs);
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(4, 6, 4, 4);
     const QString tab = QLatin1String(GeneralTab);
@@ -376,7 +377,8 @@ QWidget *ChartItemWidget::buildGeneralTab()
 
 QWidget *ChartItemWidget::buildAxisTab(bool x)
 {
-    auto *page = new QWidget;
+    // Made inside the tabs, so that Tab reaches the tab bar before the options.
+    auto *page = new QWidget(m_optionTabs);
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(4, 6, 4, 4);
     const QString tab = QLatin1String(x ? XTab : YTab);

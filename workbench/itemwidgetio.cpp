@@ -882,14 +882,15 @@ OutputItemWidget::OutputItemWidget(
     m_templateEdit->setAccessibleName(tr("Style template"));
     row(QStringLiteral("Use style template"), pair(form, m_templateCheck, m_templateEdit));
 
+    // Made in the order of their rows, which is the order Tab takes.
     m_aboveRootEdit = new QPlainTextEdit(form);
+    m_rootNameEdit = new QLineEdit(form);
     m_belowRootEdit = new QPlainTextEdit(form);
+    m_rowNameEdit = new QLineEdit(form);
     for (QPlainTextEdit *edit : {m_aboveRootEdit, m_belowRootEdit}) {
         edit->setTabChangesFocus(true);
         edit->setFixedHeight(edit->fontMetrics().lineSpacing() * 3 + 12);
     }
-    m_rootNameEdit = new QLineEdit(form);
-    m_rowNameEdit = new QLineEdit(form);
     row(QStringLiteral("Above root"), m_aboveRootEdit);
     row(QStringLiteral("Root name"), m_rootNameEdit);
     row(QStringLiteral("Below root"), m_belowRootEdit);

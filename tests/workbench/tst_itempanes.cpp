@@ -67,6 +67,8 @@ private slots:
     void rename();
     void themeColours_data();
     void themeColours();
+    void tabOrder_data();
+    void tabOrder();
 
 private:
     QPushButton *button(const QString &text) const;
@@ -801,6 +803,67 @@ void TestItemPanes::themeColours()
     QLabel *statusLabel = m_pane->itemWidget()->statusLabel();
     QCOMPARE(statusLabel->palette().color(QPalette::WindowText), ItemWidget::statusColour(status, dark));
     QVERIFY(ItemWidget::statusColour(status, true) != ItemWidget::statusColour(status, false));
+}
+
+void TestItemPanes::tabOrder_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<int>("format");
+    QTest::newRow("delimited input") << "input" << 0;
+    QTest::newRow("fixed width input") << "input" << 3;
+    QTest::newRow("csv output") << "output" << 0;
+    QTest::newRow("xml output") << "output" << 5;
+    QTest::newRow("chart") << "chart" << 0;
+}
+
+void TestItemPanes::tabOrder()
+{
+    QFETCH(QString, item);
+    QFETCH(int, format);
+    Node *node = m_input;
+    if (item == QLatin1String("input")) {
+        InputOptions options = m_input->options();
+        options.fileType = format;
+        m_input->setOptions(options);
+    } else if (item == QLatin1String("output")) {
+        node = addOutput(format);
+    } else {
+        node = new ChartNode;
+        m_scene->addNode(node);
+        m_scene->connectNodes(m_input, node);
+    }
+    m_pane->setCurrentNode(node);
+    m_pane->resize(600, 3000);
+    m_pane->show();
+    QWidget *form = m_pane->itemWidget()->formWidget();
+    QVERIFY(QTest::qWaitForWindowExposed(m_pane.get()));
+    // Tab goes through the shown controls from the top down, and left to right in a row.
+    QWidget *first = nullptr;
+    for (QWidget *w : form->findChildren<QWidget *>()) {
+        if (w->isVisible() && (w->focusPolicy() & Qt::TabFocus) && w->isEnabled()) {
+            first = w;
+            break;
+        }
+    }
+    QVERIFY(first);
+    QPoint previous(-1, -1);
+    int visited = 0;
+    for (QWidget *w = form->nextInFocusChain(); w != form && visited < 500; w = w->nextInFocusChain(), ++visited) {
+        // Containers that hand their focus on are passed over for the widget they hand it to.
+        if (!form->isAncestorOf(w) || !w->isVisible() || !(w->focusPolicy() & Qt::TabFocus) || !w->isEnabled()
+            || w->focusProxy())
+            continue;
+        const QPoint at = w->mapTo(form, QPoint(0, qMin(w->height() / 2, 12)));
+        const bool sameRow = qAbs(at.y() - previous.y()) < 8;
+        QVERIFY2(sameRow ? at.x() > previous.x() : at.y() > previous.y(),
+            qPrintable(QStringLiteral("%1 '%2' at %3,%4 after %5,%6")
+                           .arg(QString::fromLatin1(w->metaObject()->className()), w->accessibleName())
+                           .arg(at.x())
+                           .arg(at.y())
+                           .arg(previous.x())
+                           .arg(previous.y())));
+        previous = at;
+    }
 }
 
 int main(int argc, char **argv)
