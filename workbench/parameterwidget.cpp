@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QSet>
 #include <QStandardItemModel>
+#include <QTableWidget>
 #include <QUndoStack>
 
 #include <algorithm>
@@ -84,6 +85,31 @@ void setMarked(QWidget *widget, bool marked, const QString &tip, const QString &
     if (widget->styleSheet() != sheet)
         widget->setStyleSheet(sheet);
     widget->setToolTip(marked ? tip : normalTip);
+}
+
+void chainTableTabOrder(QTableWidget *table)
+{
+    QWidget *previous = table;
+    for (int r = 0; r < table->rowCount(); ++r) {
+        for (int c = 0; c < table->columnCount(); ++c) {
+            QWidget *cell = table->cellWidget(r, c);
+            if (!cell)
+                continue;
+            QList<QWidget *> controls;
+            if (cell->focusPolicy() != Qt::NoFocus)
+                controls << cell;
+            const QList<QWidget *> children =
+                cell->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly);
+            for (QWidget *child : children) {
+                if (child->focusPolicy() != Qt::NoFocus)
+                    controls << child;
+            }
+            for (QWidget *control : qAsConst(controls)) {
+                QWidget::setTabOrder(previous, control);
+                previous = control;
+            }
+        }
+    }
 }
 
 } // namespace parameterwidgets

@@ -17,6 +17,7 @@
 
 class GraphScene;
 class Node;
+class QTableWidget;
 class QUndoStack;
 
 // The editor of one transform option, mixed in beside the Qt widget that edits it, so
@@ -95,6 +96,9 @@ bool fillColumnCombo(QComboBox *combo, const Dataset *dataset, const QString &fi
 // A one-pixel frame in the marking colour with the tool tip, or none with the normal tip.
 void setMarked(
     QWidget *widget, bool marked, const QString &tip = QString(), const QString &normalTip = QString());
+// Puts the controls of a table's cell widgets in the tab order right after the table, row
+// by row, so that rows added later are reached in their place and not at the window's end.
+void chainTableTabOrder(QTableWidget *table);
 } // namespace parameterwidgets
 
 // Column (0): the none text, then the upstream columns.

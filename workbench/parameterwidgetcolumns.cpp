@@ -330,6 +330,7 @@ int SortColumnsParameterWidget::rowOf(QWidget *widget) const
 
 void SortColumnsParameterWidget::greyUsedColumns()
 {
+    chainTableTabOrder(m_table);
     QList<ColumnId> used;
     for (int r = 0; r < m_table->rowCount(); ++r)
         used << columnCombo(r)->currentData().value<ColumnId>();
@@ -668,6 +669,7 @@ void RenameColumnsParameterWidget::updateFromParameter()
             });
         }
         fitHeight(m_table, 2, 14);
+        chainTableTabOrder(m_table);
         markDuplicates();
     });
 }
@@ -813,6 +815,7 @@ void UniqueParameterWidget::updateFromParameter()
             });
         }
         fitHeight(m_table, 2, 14);
+        chainTableTabOrder(m_table);
         markKeys();
     });
 }

@@ -210,6 +210,7 @@ void ConditionTable::removeConditionRow(int row)
     if (row < 0 || row >= rowCount() || isEmptyRow(row))
         return;
     removeRow(row);
+    fitHeight();
     for (int r = 0; r < rowCount(); ++r)
         verticalHeaderItem(r)->setText(r == 0 || !m_andHeaders ? QString() : tr("and"));
     ensureEmptyLastRow();
@@ -297,6 +298,7 @@ int ConditionTable::rowOf(QWidget *widget) const
 void ConditionTable::fitHeight()
 {
     fitTableHeight(this);
+    chainTableTabOrder(this);
 }
 
 bool ConditionTable::eventFilter(QObject *watched, QEvent *event)
@@ -478,6 +480,8 @@ void IfParameterWidget::setBlocks(const IfValue &value)
             previous = widget;
         }
     }
+    for (const Block &block : qAsConst(m_blocks))
+        chainTableTabOrder(block.table);
 }
 
 int IfParameterWidget::blockOf(QObject *object) const
@@ -651,6 +655,7 @@ void ReplaceTermsParameterWidget::addRow(const ReplaceTerm &term)
     connect(to, &QLineEdit::textEdited, this, [typed, to] { typed(to); });
     connect(remove, &QToolButton::clicked, this, [this, remove] { removeTermRow(rowOf(remove)); });
     fitTableHeight(m_table);
+    chainTableTabOrder(m_table);
 }
 
 void ReplaceTermsParameterWidget::checkRow(int row)

@@ -541,6 +541,7 @@ void VerifyRulesParameterWidget::fillRules(
         height += row;
     }
     table->setMinimumHeight(height + 2 * table->frameWidth() + 2);
+    chainTableTabOrder(table);
 }
 
 QList<VerifyRule> VerifyRulesParameterWidget::rulesOf(const QTableWidget *table) const

@@ -46,6 +46,7 @@ private slots:
     void missingColumnsShownAndKept_data();
     void missingColumnsShownAndKept();
     void forgetMissingColumns();
+    void newRowsFollowInTabOrder();
     void scriptSyntaxMessage_data();
     void scriptSyntaxMessage();
 
@@ -403,6 +404,29 @@ void TestParameterWidgets::forgetMissingColumns()
     emit widget.missingLabel()->linkActivated(QStringLiteral("forget"));
     QCOMPARE(parameter->value().value<QList<ColumnId>>(), checked.mid(0, 2));
     QVERIFY(widget.missingLabel()->isHidden());
+}
+
+void TestParameterWidgets::newRowsFollowInTabOrder()
+{
+    // A condition added by typing in the empty row of the first block: its new empty row
+    // is reached by Tab before the block's result, not after everything else.
+    auto parameter = make(ParameterKind::If, items({"*StartIf*", "1", "0", "1", "*EndIf*", "one", ""}));
+    IfParameterWidget widget(parameter.get());
+    ConditionTable *table = widget.conditionTable(0);
+    QCOMPARE(table->rowCount(), 2);
+    QTest::keyClicks(table->termEdit(1), QStringLiteral("z"));
+    QCOMPARE(table->rowCount(), 3);
+    QList<QWidget *> chain;
+    for (QWidget *next = table; next && !chain.contains(next); next = next->nextInFocusChain())
+        chain << next;
+    const QList<QWidget *> expected = {table->columnCombo(0), table->termEdit(0), table->columnCombo(1),
+        table->termEdit(1), table->columnCombo(2), table->termEdit(2), widget.resultEdit(0),
+        widget.elseEdit()};
+    int last = -1;
+    for (QWidget *control : expected) {
+        QVERIFY(chain.indexOf(control) > last);
+        last = chain.indexOf(control);
+    }
 }
 
 void TestParameterWidgets::scriptSyntaxMessage_data()
