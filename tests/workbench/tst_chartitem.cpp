@@ -178,6 +178,13 @@ void TestChartItem::editThroughWidgetAndRun()
     // The columns to choose from are the input's.
     QCOMPARE(widget->xColumnCombo()->count(), 4);
     QCOMPARE(widget->yColumnsList()->count(), 3);
+    // The list shows them, not only holds them.
+    QListWidget *list = widget->yColumnsList();
+    for (int row = 0; row < list->count(); ++row) {
+        const QRect rect = list->visualItemRect(list->item(row));
+        QVERIFY(rect.isValid());
+        QCOMPARE(list->itemAt(rect.center()), list->item(row));
+    }
     const int steps = m_window->undoStack()->count();
 
     choose(widget->typeCombo(), QStringLiteral("Line"));
