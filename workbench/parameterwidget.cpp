@@ -12,6 +12,7 @@
 #include <QCoreApplication>
 #include <QFontDatabase>
 #include <QKeyEvent>
+#include <QListView>
 #include <QLocale>
 #include <QPainter>
 #include <QSet>
@@ -289,6 +290,65 @@ void SingleColumnFilteredParameterWidget::keyPressEvent(QKeyEvent *event)
     }
     m_typed.clear();
     QComboBox::keyPressEvent(event);
+}
+
+void SingleColumnFilteredParameterWidget::showPopup()
+{
+    m_filter.clear();
+    applyFilter();
+    view()->installEventFilter(this);
+    QComboBox::showPopup();
+}
+
+void SingleColumnFilteredParameterWidget::hidePopup()
+{
+    QComboBox::hidePopup();
+    view()->removeEventFilter(this);
+    if (!m_filter.isEmpty()) {
+        m_filter.clear();
+        applyFilter();
+    }
+}
+
+void SingleColumnFilteredParameterWidget::applyFilter()
+{
+    auto *list = qobject_cast<QListView *>(view());
+    if (!list || count() == 0)
+        return;
+    int first = -1;
+    for (int i = 1; i < count(); ++i) {
+        const bool shown = m_filter.isEmpty() || itemText(i).contains(m_filter, Qt::CaseInsensitive);
+        list->setRowHidden(i, !shown);
+        if (shown && first < 0)
+            first = i;
+    }
+    {
+        const QSignalBlocker blocker(this);
+        setItemText(0, m_filter.isEmpty() ? m_parameter->noneText() : tr("Filter: %1").arg(m_filter));
+    }
+    // Enter takes the first column that fits.
+    if (!m_filter.isEmpty() && first >= 0)
+        list->setCurrentIndex(model()->index(first, 0));
+}
+
+bool SingleColumnFilteredParameterWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == view() && event->type() == QEvent::KeyPress) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const QString text = key->text();
+        if (key->key() == Qt::Key_Backspace && !m_filter.isEmpty()) {
+            m_filter.chop(1);
+            applyFilter();
+            return true;
+        }
+        if (!text.isEmpty() && text.at(0).isPrint()
+            && !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier))) {
+            m_filter += text;
+            applyFilter();
+            return true;
+        }
+    }
+    return QComboBox::eventFilter(watched, event);
 }
 
 // Bool

@@ -117,11 +117,20 @@ signals:
 public slots:
     void onChanged();
 
+    // Typing while the list is open keeps the columns holding the typed text; the list's
+    // first line shows it. Backspace takes a character off.
+    void showPopup() override;
+    void hidePopup() override;
+    QString popupFilter() const { return m_filter; }
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    void applyFilter();
     QString m_typed; // typed while the popup is closed: selects the first column holding it
+    QString m_filter; // typed while the popup is open
 };
 
 // Bool (5): a check box with the label as its text.

@@ -10,6 +10,7 @@
 #include "workbench/parameterwidgets.h"
 
 #include <QFontDatabase>
+#include <QListView>
 #include <QListWidget>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -47,6 +48,8 @@ private slots:
     void missingColumnsShownAndKept();
     void forgetMissingColumns();
     void newRowsFollowInTabOrder();
+    void columnListFilters_data();
+    void columnListFilters();
     void scriptSyntaxMessage_data();
     void scriptSyntaxMessage();
 
@@ -427,6 +430,57 @@ void TestParameterWidgets::newRowsFollowInTabOrder()
         QVERIFY(chain.indexOf(control) > last);
         last = chain.indexOf(control);
     }
+}
+
+void TestParameterWidgets::columnListFilters_data()
+{
+    QTest::addColumn<QString>("typed"); // "<" is Backspace
+    QTest::addColumn<QStringList>("shown");
+    QTest::addColumn<QString>("chosen"); // saved position after Enter
+    QTest::newRow("nothing typed") << "" << QStringList {"a", "b", "c"} << "0";
+    QTest::newRow("case folded") << "B" << QStringList {"b"} << "2";
+    QTest::newRow("no match keeps the choice") << "z" << QStringList() << "0";
+    QTest::newRow("backspace widens") << "cz<" << QStringList {"c"} << "3";
+}
+
+void TestParameterWidgets::columnListFilters()
+{
+    QFETCH(QString, typed);
+    QFETCH(QStringList, shown);
+    QFETCH(QString, chosen);
+    auto parameter = make(ParameterKind::Column, QString());
+    SingleColumnFilteredParameterWidget combo(parameter.get());
+    combo.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&combo));
+    combo.showPopup();
+    QTRY_VERIFY(combo.view()->isVisible());
+    // "<" stands for Backspace.
+    for (const QChar c : typed) {
+        if (c == QLatin1Char('<'))
+            QTest::keyClick(combo.view(), Qt::Key_Backspace);
+        else
+            QTest::keyClick(combo.view(), c.toLatin1());
+    }
+    auto *list = qobject_cast<QListView *>(combo.view());
+    QStringList visible;
+    for (int i = 1; i < combo.count(); ++i) {
+        if (!list->isRowHidden(i))
+            visible << combo.itemText(i);
+    }
+    QCOMPARE(visible, shown);
+    QCOMPARE(combo.itemText(0),
+        typed.isEmpty() ? QStringLiteral("<None selected>")
+                        : QStringLiteral("Filter: %1").arg(combo.popupFilter()));
+    if (!shown.isEmpty()) {
+        QTest::keyClick(combo.view(), Qt::Key_Return);
+        QTRY_VERIFY(!combo.view()->isVisible());
+    } else {
+        combo.hidePopup();
+    }
+    QCOMPARE(parameter->toText(), chosen);
+    // Closing the list shows every column again, and the none entry its own text.
+    QCOMPARE(combo.itemText(0), QStringLiteral("<None selected>"));
+    QVERIFY(!list->isRowHidden(1));
 }
 
 void TestParameterWidgets::scriptSyntaxMessage_data()
