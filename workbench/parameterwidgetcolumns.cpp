@@ -13,6 +13,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QStandardItemModel>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -457,7 +458,8 @@ ReorderColumnsParameterWidget::ReorderColumnsParameterWidget(Parameter *paramete
     connect(sort, &QPushButton::clicked, this, &ReorderColumnsParameterWidget::sortByName);
     connect(reverse, &QPushButton::clicked, this, &ReorderColumnsParameterWidget::reverse);
     connect(reset, &QPushButton::clicked, this, &ReorderColumnsParameterWidget::resetOrder);
-    // A drag and drop moves rows inside the model.
+    // A drop moves rows inside the list; the order is read once the drop is over.
+    m_list->viewport()->installEventFilter(this);
     connect(m_list->model(), &QAbstractItemModel::rowsMoved, this, [this] { onChanged(); });
     updateFromParameter();
 }
@@ -589,6 +591,8 @@ void ReorderColumnsParameterWidget::resetOrder()
 
 bool ReorderColumnsParameterWidget::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_list->viewport() && event->type() == QEvent::Drop)
+        QTimer::singleShot(0, this, &ReorderColumnsParameterWidget::onChanged);
     if (watched == m_list && event->type() == QEvent::KeyPress) {
         const auto *key = static_cast<QKeyEvent *>(event);
         if (key->modifiers() & Qt::ControlModifier) {
