@@ -339,7 +339,7 @@ CompareDialog::CompareDialog(GraphScene *scene, QWidget *parent)
     leftLabel->setBuddy(m_leftCombo);
     auto *rightLabel = new QLabel(tr("&Right:"), this);
     rightLabel->setBuddy(m_rightCombo);
-    auto *swapButton = new QPushButton(tr("S&wap"), this);
+    auto *swapButton = new QPushButton(tr("&Swap"), this);
     swapButton->setObjectName(QStringLiteral("swapButton"));
     swapButton->setAutoDefault(false);
     grid->addWidget(leftLabel, 0, 0);

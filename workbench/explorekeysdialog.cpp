@@ -365,7 +365,7 @@ ExploreKeysDialog::ExploreKeysDialog(TransformNode *node, QWidget *parent, QUndo
     m_guessButton = new QPushButton(tr("&Guess"), this);
     m_guessButton->setObjectName(QStringLiteral("guessButton"));
     m_guessButton->setToolTip(tr("Guess the key columns from the headers and values of both datasets."));
-    m_refreshButton = new QPushButton(tr("&Refresh"), this);
+    m_refreshButton = new QPushButton(tr("Re&fresh"), this);
     m_refreshButton->setObjectName(QStringLiteral("refreshButton"));
     auto *topLabel = new QLabel(tr("&Top key column:"), this);
     topLabel->setBuddy(m_topCombo);
@@ -386,7 +386,7 @@ ExploreKeysDialog::ExploreKeysDialog(TransformNode *node, QWidget *parent, QUndo
     m_noDataLabel = new QLabel(this);
     m_noDataLabel->setObjectName(QStringLiteral("noDataLabel"));
     m_noDataLabel->setWordWrap(true);
-    m_runButton = new QPushButton(tr("R&un"), this);
+    m_runButton = new QPushButton(tr("&Run"), this);
     m_runButton->setObjectName(QStringLiteral("runButton"));
     noData->addWidget(m_noDataLabel, 1);
     noData->addWidget(m_runButton);

@@ -66,7 +66,7 @@ InsufficientMemoryDialog::InsufficientMemoryDialog(double usedGb, double limitGb
     QPushButton *continueButton = buttons->addButton(tr("&Continue"), QDialogButtonBox::AcceptRole);
     continueButton->setObjectName(QStringLiteral("continueButton"));
     continueButton->setDefault(true);
-    QPushButton *closeButton = buttons->addButton(tr("&Close Tabrelle"), QDialogButtonBox::DestructiveRole);
+    QPushButton *closeButton = buttons->addButton(tr("Close &Tabrelle"), QDialogButtonBox::DestructiveRole);
     closeButton->setObjectName(QStringLiteral("closeButton"));
     closeButton->setAutoDefault(false);
     layout->addWidget(buttons);

@@ -8,6 +8,7 @@
 #include "workbench/aboutdialog.h"
 #include "workbench/comparedialog.h"
 #include "workbench/missingfilesdialog.h"
+#include "workbench/recoverydialog.h"
 #include "workbench/connectdialog.h"
 #include "workbench/dialogutil.h"
 #include "workbench/exploreduplicatesdialog.h"
@@ -79,6 +80,8 @@ private slots:
     void missingFilesLocated();
     void aboutIntegrityLine_data();
     void aboutIntegrityLine();
+    void mnemonicsAreUniqueInEachDialog_data();
+    void mnemonicsAreUniqueInEachDialog();
 
 private:
     // Two pasted inputs, top above bottom, joined; everything run.
@@ -970,6 +973,55 @@ void TestDialogs::aboutIntegrityLine()
     QVERIFY(about.lines().contains(QStringLiteral("Free Edition")));
     QVERIFY(about.lines().contains(QStringLiteral("%1 rows processed since %2")
                                        .arg(QLocale().toString(1234567), QLocale().toString(QDate(2024, 5, 1), QLocale::ShortFormat))));
+}
+
+// ----- Keyboard
+
+void TestDialogs::mnemonicsAreUniqueInEachDialog_data()
+{
+    QTest::addColumn<QString>("dialog");
+    for (const char *name : {"keys", "duplicates", "compare", "recent", "connect", "recovery", "missing", "memory"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestDialogs::mnemonicsAreUniqueInEachDialog()
+{
+    QFETCH(QString, dialog);
+    TransformNode *join = addJoin(QStringLiteral("k\na\n"), QStringLiteral("k\na\n"));
+    QTemporaryDir folder;
+    Settings settings(folder.filePath(QStringLiteral("keys.ini")));
+    QScopedPointer<QDialog> shown;
+    if (dialog == QLatin1String("keys"))
+        shown.reset(new ExploreKeysDialog(join, nullptr, m_undo));
+    else if (dialog == QLatin1String("duplicates"))
+        shown.reset(new ExploreDuplicatesDialog(addDedupe(QStringLiteral("a\n1\n")), nullptr, m_undo));
+    else if (dialog == QLatin1String("compare"))
+        shown.reset(new CompareDialog(m_scene));
+    else if (dialog == QLatin1String("recent"))
+        shown.reset(new RecentDocumentsDialog(&settings));
+    else if (dialog == QLatin1String("connect"))
+        shown.reset(new ConnectDialog(m_scene, join, ConnectDialog::From, m_undo));
+    else if (dialog == QLatin1String("recovery"))
+        shown.reset(new RecoveryDialog({}));
+    else if (dialog == QLatin1String("missing"))
+        shown.reset(new MissingFilesDialog(m_scene, m_undo));
+    else
+        shown.reset(new InsufficientMemoryDialog(3, 2, 8));
+    QHash<QChar, QString> letters;
+    QStringList texts;
+    for (QAbstractButton *button : shown->findChildren<QAbstractButton *>())
+        texts << button->text();
+    for (QLabel *label : shown->findChildren<QLabel *>())
+        texts << label->text();
+    for (const QString &text : qAsConst(texts)) {
+        const int amp = QString(text).replace(QLatin1String("&&"), QLatin1String("__")).indexOf(QLatin1Char('&'));
+        if (amp < 0 || amp + 1 >= text.size())
+            continue;
+        const QChar letter = text.at(amp + 1).toLower();
+        QVERIFY2(!letters.contains(letter), qPrintable(QStringLiteral("'%1' and '%2'").arg(letters.value(letter), text)));
+        letters.insert(letter, text);
+    }
+    QVERIFY(!letters.isEmpty());
 }
 
 CANVAS_TEST_MAIN(TestDialogs)
