@@ -4,6 +4,7 @@
 #include "core/values.h"
 #include "flow/fileformat.h"
 #include "flow/filenamevariables.h"
+#include "inputdocument.h"
 #include "textsource.h"
 #include "xmlreader.h"
 
@@ -231,8 +232,7 @@ void InputNode::read()
         m_dataset.setHasHeaders(headers);
     }
     applyMetaInformation();
-    // The schema option is kept with the node; checking a table against a schema is not
-    // part of this version, so the table passes unchanged.
+    applySchema();
     assignColumnIds();
     if (m_options.ignoreEmptyColumns && m_dataset.hasColumns()) {
         const int removed = m_dataset.removeBlankColumns();
@@ -389,6 +389,114 @@ qint64 InputNode::maxTextChars() const
         limit = qMin(limit, qint64(qMax(0.0, chars)));
     }
     return limit;
+}
+
+void InputNode::applySchema()
+{
+    if (!m_options.usesSchema || status() == Error)
+        return;
+    const InputSchemaSettings schema = InputDocument::schemaSettings(*this);
+    if (schema.columnNames.isEmpty())
+        return;
+    if (!m_dataset.hasHeaders()) {
+        addWarning(tr("Schema needs a header row"));
+        return;
+    }
+    // Columns are matched by their header, trimmed and without case; the first column of
+    // a name matches.
+    const auto key = [](const QString &name) { return name.trimmed().toCaseFolded(); };
+    const QStringList headers = m_dataset.headers();
+    QHash<QString, int> columnOfName;
+    for (int c = headers.size() - 1; c >= 0; --c)
+        columnOfName.insert(key(headers.at(c)), c);
+    QVector<int> schemaColumn(schema.columnNames.size(), -1); // -1: missing
+    QVector<bool> inSchema(headers.size(), false);
+    for (int s = 0; s < schema.columnNames.size(); ++s) {
+        const int column = columnOfName.value(key(schema.columnNames.at(s)), -1);
+        if (column >= 0 && !inSchema.at(column)) {
+            schemaColumn[s] = column;
+            inSchema[column] = true;
+        }
+    }
+
+    bool failed = false;
+    for (int s = 0; s < schema.columnNames.size(); ++s) {
+        if (schemaColumn.at(s) >= 0)
+            continue;
+        const QString name = schema.columnNames.at(s).trimmed();
+        if (schema.missingColumns == 1) {
+            addWarning(tr("Column '%1' missing").arg(name));
+            failed = true;
+        } else {
+            addWarning(tr("Column '%1' missing, added").arg(name));
+        }
+    }
+    QVector<bool> removed(headers.size(), false);
+    for (int c = 0; c < headers.size(); ++c) {
+        if (inSchema.at(c))
+            continue;
+        if (schema.extraColumns == 1) {
+            addInformation(tr("Extra column '%1' removed").arg(headers.at(c)));
+            removed[c] = true;
+        } else if (schema.extraColumns == 2) {
+            addWarning(tr("Extra column '%1'").arg(headers.at(c)));
+            failed = true;
+        } else {
+            addInformation(tr("Extra column '%1'").arg(headers.at(c)));
+        }
+    }
+    if (failed) {
+        setStatus(Error, false);
+        return;
+    }
+
+    // The new columns by source: a column of the table, or -1 - s for schema column s
+    // that the table lacks, filled with its value.
+    QVector<int> order;
+    const auto addMissing = [&] {
+        for (int s = 0; s < schemaColumn.size(); ++s) {
+            if (schemaColumn.at(s) < 0)
+                order << -1 - s;
+        }
+    };
+    if (schema.reorderColumns == 1) {
+        for (int s = 0; s < schemaColumn.size(); ++s)
+            order << (schemaColumn.at(s) >= 0 ? schemaColumn.at(s) : -1 - s);
+        for (int c = 0; c < headers.size(); ++c) {
+            if (!inSchema.at(c) && !removed.at(c))
+                order << c;
+        }
+    } else {
+        for (int c = 0; c < headers.size(); ++c) {
+            if (!removed.at(c))
+                order << c;
+        }
+        addMissing();
+    }
+    bool unchanged = order.size() == headers.size();
+    for (int i = 0; unchanged && i < order.size(); ++i)
+        unchanged = order.at(i) == i;
+    if (unchanged)
+        return;
+
+    QStringList newHeaders;
+    QStringList fills;
+    for (int source : order) {
+        const int s = -1 - source;
+        newHeaders << (source >= 0 ? headers.at(source) : schema.columnNames.at(s).trimmed());
+        const QString fill = source >= 0 ? QString() : schema.missingValues.value(s);
+        fills << (fill.isNull() ? QStringLiteral("") : fill); // blank cells are empty, not null
+    }
+    for (int r = 0; r < m_dataset.rowCount(); ++r) {
+        QStringList &cells = m_dataset.mutableRow(DataRowIndex(r));
+        QStringList arranged;
+        arranged.reserve(order.size());
+        for (int i = 0; i < order.size(); ++i)
+            arranged << (order.at(i) >= 0 ? cells.value(order.at(i)) : fills.at(i));
+        cells.swap(arranged);
+    }
+    m_dataset.setColumnCount(order.size());
+    m_dataset.setHeaders(newHeaders);
 }
 
 void InputNode::applyMetaInformation()

@@ -100,6 +100,8 @@ private:
     bool readFile(int fileType, const QString &where);
     bool readText(TextSource &source, int fileType, const QString &where, ReadReport &report);
     void applyMetaInformation();
+    // Checks the table's columns against the schema set in the item pane, by header.
+    void applySchema();
     void updateWatcher();
     qint64 maxTextChars() const;
 

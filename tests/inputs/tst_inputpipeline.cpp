@@ -1,5 +1,6 @@
 #include "core/settings.h"
 #include "flow/graphscene.h"
+#include "inputs/inputdocument.h"
 #include "inputs/inputnode.h"
 #include "inputs/readerregistry.h"
 #include "inputs/textsource.h"
@@ -27,6 +28,8 @@ private slots:
     void metaInformation_data();
     void metaInformation();
     void emptyColumns();
+    void schema_data();
+    void schema();
     void messages_data();
     void messages();
     void encodings_data();
@@ -169,6 +172,69 @@ void TestInputPipeline::emptyColumns()
     // Column ids are given before the blank ones go, so the kept ones keep theirs.
     QCOMPARE(node->dataset().columnIds().size(), 2);
     QCOMPARE(node->dataset().columnId(1).sequence(), 3);
+}
+
+void TestInputPipeline::schema_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("schema"); // "name=missing value;..." then "|missing,reorder,extra"
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<QString>("messages"); // warnings, then "//", then the schema's information
+
+    const QByteArray file("Id,Name,City\n1,Ann,Oslo\n");
+    row("every column present", file, "id;name;city|0,0,0", int(Node::UpToDate), "Id|Name|City\n--\n1|Ann|Oslo",
+        "//");
+    row("names trimmed and without case", file, " ID ;NAME;City |0,0,0", int(Node::UpToDate),
+        "Id|Name|City\n--\n1|Ann|Oslo", "//");
+    row("missing column added with its value", file, "id;name;city;country=NO|0,0,0", int(Node::UpToDate),
+        "Id|Name|City|country\n--\n1|Ann|Oslo|NO", "Column 'country' missing, added//");
+    row("missing column is an error", file, "id;country|1,0,0", int(Node::Error), "Id|Name|City\n--\n1|Ann|Oslo",
+        "Column 'country' missing//Extra column 'Name'|Extra column 'City'");
+    row("schema order, extras after", file, "city;id|0,1,0", int(Node::UpToDate),
+        "City|Id|Name\n--\nOslo|1|Ann", "//Extra column 'Name'");
+    row("schema order with a missing column in place", file, "city;zip=0000;id|0,1,0", int(Node::UpToDate),
+        "City|zip|Id|Name\n--\nOslo|0000|1|Ann", "Column 'zip' missing, added//Extra column 'Name'");
+    row("extra columns removed", file, "name|0,0,1", int(Node::UpToDate), "Name\n--\nAnn",
+        "//Extra column 'Id' removed|Extra column 'City' removed");
+    row("extra columns are an error", file, "name;id|0,0,2", int(Node::Error), "Id|Name|City\n--\n1|Ann|Oslo",
+        "Extra column 'City'//");
+    row("a table without headers can't be checked", QByteArray("1,2\n3,4\n"), "id|0,0,1", int(Node::UpToDate),
+        "1|2\n3|4", "Schema needs a header row//");
+}
+
+void TestInputPipeline::schema()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, schema);
+    QFETCH(int, status);
+    QFETCH(QString, expected);
+    QFETCH(QString, messages);
+    const QString path = write(QStringLiteral("schema.csv"), bytes);
+    InputNode *node = readFile(path, IONode::DelimitedText, [](InputOptions &o) { o.usesSchema = true; });
+    InputSchemaSettings settings;
+    for (const QString &column : schema.section(QLatin1Char('|'), 0, 0).split(QLatin1Char(';'))) {
+        settings.columnNames << column.section(QLatin1Char('='), 0, 0);
+        settings.missingValues << column.section(QLatin1Char('='), 1);
+    }
+    const QStringList modes = schema.section(QLatin1Char('|'), 1).split(QLatin1Char(','));
+    settings.missingColumns = modes.at(0).toInt();
+    settings.reorderColumns = modes.at(1).toInt();
+    settings.extraColumns = modes.at(2).toInt();
+    InputDocument::setSchemaSettings(*node, settings);
+    node->setStatus(Node::NeedsUpdating, false);
+    node->process(false, false);
+    QCOMPARE(node->status(), status);
+    QCOMPARE(readertest::tableText(node->dataset()), expected);
+    QStringList schemaInformation;
+    for (const QString &line : node->information()) {
+        if (line.startsWith(QLatin1String("Extra column")))
+            schemaInformation << line;
+    }
+    QCOMPARE(node->warnings().join(QLatin1Char('|')) + QStringLiteral("//") + schemaInformation.join(QLatin1Char('|')),
+        messages);
+    // Column ids follow the columns as they end up.
+    QCOMPARE(node->dataset().columnIds().size(), node->dataset().columnCount());
 }
 
 void TestInputPipeline::messages_data()
