@@ -18,7 +18,7 @@ public:
     enum Role { HasLinksRole = Qt::UserRole + 1 };
     // The view lays out its row header for every model row when a table opens: a window
     // of this many rows keeps that quick however long the table is.
-    static constexpr int WindowRows = 1000000;
+    static constexpr int WindowRows = 250000;
 
     explicit DatasetTableModel(QObject *parent = nullptr);
 

@@ -11,6 +11,7 @@
 #include <QLocale>
 #include <QMenu>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QPointer>
 #include <QProgressDialog>
@@ -142,6 +143,11 @@ void DataTableView::setDatasetModel(DatasetTableModel *model)
         disconnect(m_model, nullptr, this, nullptr);
     m_model = model;
     setModel(model);
+    if (selectionModel())
+        connect(selectionModel(), &QItemSelectionModel::selectionChanged, this, [this] {
+            if (!m_selectingExtended)
+                m_extended = QRect();
+        });
     if (model) {
         connect(model, &QAbstractItemModel::modelReset, this, &DataTableView::onModelReset);
         connect(model, &DatasetTableModel::windowMoved, this, &DataTableView::onWindowMoved);
@@ -190,6 +196,8 @@ void DataTableView::setColumnWidthQuietly(int column, int width)
 
 void DataTableView::onModelReset()
 {
+    m_extended = QRect();
+    m_anchor = QPoint(-1, -1);
     const int columns = m_model ? m_model->columnCount() : 0;
     m_fitted = QVector<bool>(columns, false);
     const Dataset *dataset = m_model ? &m_model->dataset() : nullptr;
@@ -297,7 +305,13 @@ void DataTableView::onWindowMoved(int oldStart, int newStart)
     const int shift = oldStart - newStart;
     const int rows = m_model->rowCount();
     QItemSelection moved;
-    for (const QItemSelectionRange &range : selection->selection()) {
+    if (m_extended.isValid()) {
+        const QRect inside = m_extended.intersected(QRect(m_extended.left(), newStart, m_extended.width(), rows));
+        if (!inside.isEmpty())
+            moved.select(m_model->index(inside.top() - newStart, inside.left()),
+                m_model->index(inside.bottom() - newStart, inside.right()));
+    }
+    for (const QItemSelectionRange &range : m_extended.isValid() ? QItemSelection() : selection->selection()) {
         int top = range.top();
         int bottom = range.bottom();
         if (top != 0 || bottom != rows - 1) {
@@ -309,7 +323,9 @@ void DataTableView::onWindowMoved(int oldStart, int newStart)
         moved.select(m_model->index(top, range.left()), m_model->index(bottom, range.right()));
     }
     const QModelIndex current = selection->currentIndex();
+    m_selectingExtended = true;
     selection->select(moved, QItemSelectionModel::ClearAndSelect);
+    m_selectingExtended = false;
     if (current.isValid()) {
         // A current cell left behind comes along to the window's edge, so that the keys
         // go on from near what is shown.
@@ -348,6 +364,78 @@ void DataTableView::onRowBarMoved(int value)
     m_syncing = true;
     verticalScrollBar()->setValue(inner);
     m_syncing = false;
+}
+
+void DataTableView::currentChanged(const QModelIndex &current, const QModelIndex &previous)
+{
+    QTableView::currentChanged(current, previous);
+    // A cell made current without Shift starts the next Shift+click range; moving the
+    // window carries the current cell along without making it an anchor.
+    if (current.isValid() && m_model && !m_syncing && !m_selectingExtended && !m_shiftHeld)
+        m_anchor = QPoint(current.column(), m_model->datasetRow(current.row()));
+}
+
+void DataTableView::mousePressEvent(QMouseEvent *event)
+{
+    const QModelIndex index = indexAt(event->pos());
+    const bool extend = event->button() == Qt::LeftButton && event->modifiers() == Qt::ShiftModifier;
+    if (!extend || !index.isValid() || !m_model || !m_model->isWindowed() || m_anchor.y() < 0
+        || m_anchor.y() >= m_model->dataset().rowCount() || m_anchor.x() >= m_model->columnCount()) {
+        m_shiftHeld = event->modifiers() & Qt::ShiftModifier;
+        QTableView::mousePressEvent(event);
+        m_shiftHeld = false;
+        return;
+    }
+    // From the anchor to the clicked cell in dataset rows, however far apart they are.
+    const QPoint clicked(index.column(), m_model->datasetRow(index.row()));
+    const QRect range = QRect(m_anchor, clicked).normalized();
+    selectDatasetRange(range, index);
+    m_shiftClickHandled = true;
+    event->accept();
+}
+
+void DataTableView::mouseMoveEvent(QMouseEvent *event)
+{
+    if (m_shiftClickHandled) {
+        event->accept();
+        return;
+    }
+    QTableView::mouseMoveEvent(event);
+}
+
+void DataTableView::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (m_shiftClickHandled) {
+        m_shiftClickHandled = false;
+        event->accept();
+        return;
+    }
+    QTableView::mouseReleaseEvent(event);
+}
+
+void DataTableView::selectDatasetRange(const QRect &range, const QModelIndex &current)
+{
+    const int clickedRow = m_model->datasetRow(current.row());
+    const int column = current.column();
+    const int rows = m_model->rowCount();
+    const int page = verticalScrollBar()->pageStep();
+    if (range.height() + 2 * page < rows && (range.top() < m_model->windowStart()
+            || range.bottom() >= m_model->windowStart() + rows)) {
+        // It fits: the window moves to hold it, the rows on screen staying put.
+        moveWindow(range.top() - (rows - range.height()) / 2);
+    }
+    const int start = m_model->windowStart();
+    const bool fits = range.top() >= start && range.bottom() < start + rows;
+    const QRect inside = range.intersected(QRect(range.left(), start, range.width(), rows));
+    QItemSelection selection;
+    if (!inside.isEmpty())
+        selection.select(m_model->index(inside.top() - start, inside.left()),
+            m_model->index(inside.bottom() - start, inside.right()));
+    m_selectingExtended = true;
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+    selectionModel()->setCurrentIndex(m_model->index(clickedRow - start, column), QItemSelectionModel::NoUpdate);
+    m_selectingExtended = false;
+    m_extended = fits ? QRect() : range;
 }
 
 QModelIndex DataTableView::moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers)
@@ -432,7 +520,10 @@ void DataTableView::keyPressEvent(QKeyEvent *event)
         copySelection(true);
         return;
     }
+    // Shift with a key extends the selection from the anchor, which stays.
+    m_shiftHeld = event->modifiers() & Qt::ShiftModifier;
     QTableView::keyPressEvent(event);
+    m_shiftHeld = false;
 }
 
 void DataTableView::contextMenuEvent(QContextMenuEvent *event)
@@ -458,6 +549,8 @@ QVector<QRect> DataTableView::selectedRanges() const
     QVector<QRect> ranges;
     if (!m_model || !selectionModel())
         return ranges;
+    if (m_extended.isValid())
+        return {m_extended};
     const int windowRows = m_model->rowCount();
     const bool windowed = m_model->isWindowed();
     for (const QItemSelectionRange &range : selectionModel()->selection()) {

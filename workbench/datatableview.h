@@ -86,6 +86,10 @@ protected:
     void scrollContentsBy(int dx, int dy) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     QModelIndex moveCursor(CursorAction cursorAction, Qt::KeyboardModifiers modifiers) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void currentChanged(const QModelIndex &current, const QModelIndex &previous) override;
 
 private slots:
     void onModelReset();
@@ -106,6 +110,9 @@ private:
     void onInnerScrolled(int value);
     void onRowBarMoved(int value);
     void updateRowBar();
+    // Selects a dataset rectangle: the part inside the window shows in the selection
+    // model, the whole of it is kept in m_extended when it is taller than the window.
+    void selectDatasetRange(const QRect &range, const QModelIndex &current);
 
     DatasetTableModel *m_model = nullptr;
     QString m_overlayText;
@@ -115,4 +122,13 @@ private:
     bool m_settingWidth = false;
     QScrollBar *m_rowBar = nullptr;
     bool m_syncing = false;
+    // Where a Shift+click range starts: the dataset cell made current without Shift.
+    QPoint m_anchor{-1, -1}; // (column, dataset row)
+    // A Shift+click range taller than the window, in dataset rows; empty otherwise.
+    QRect m_extended;
+    bool m_selectingExtended = false;
+    // The press was a Shift+click handled here: its moves and release are not the view's.
+    bool m_shiftClickHandled = false;
+    // A key or click with Shift is being handled: the current cell it makes is no anchor.
+    bool m_shiftHeld = false;
 };

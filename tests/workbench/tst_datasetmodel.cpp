@@ -33,6 +33,8 @@ private slots:
     void windowFollowsScrolling();
     void windowKeepsSelection_data();
     void windowKeepsSelection();
+    void shiftClickAcrossWindows_data();
+    void shiftClickAcrossWindows();
     void copy_data();
     void copy();
     void largeCopyAsks_data();
@@ -438,6 +440,51 @@ void TestDatasetModel::largeCopyAsks()
     QCOMPARE(QApplication::clipboard()->text() != QLatin1String("before"), copied);
     if (copied)
         QCOMPARE(QApplication::clipboard()->text().size(), rows * 2);
+}
+
+void TestDatasetModel::shiftClickAcrossWindows_data()
+{
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<int>("anchor"); // row number clicked first
+    QTest::addColumn<int>("scrollTo"); // dataset row put at the top before the Shift+click
+    QTest::addColumn<bool>("taller"); // the range is taller than the window of 100 rows
+    QTest::newRow("within the window") << 1000 << 11 << 0 << false;
+    QTest::newRow("past the window's edge: it moves to hold both") << 1000 << 11 << 70 << false;
+    QTest::newRow("taller than the window") << 1000 << 11 << 500 << true;
+    QTest::newRow("upwards, taller than the window") << 1000 << 900 << 20 << true;
+    QTest::newRow("a table shorter than the window") << 90 << 11 << 40 << false;
+}
+
+void TestDatasetModel::shiftClickAcrossWindows()
+{
+    QFETCH(int, rows);
+    QFETCH(int, anchor);
+    QFETCH(int, scrollTo);
+    QFETCH(bool, taller);
+    WindowedTable table(rows, 100);
+    QVERIFY(QTest::qWaitForWindowExposed(&table.view));
+    QVERIFY(table.view.goToCell(anchor - 1, 0));
+    table.view.scrollToRow(scrollTo);
+    QApplication::processEvents();
+    // Shift+click the fifth row on screen, second column.
+    const int modelRow = table.view.rowAt(0) + 4;
+    const int clicked = table.model.datasetRow(modelRow);
+    const QRect cell = table.view.visualRect(table.model.index(modelRow, 1));
+    QTest::mouseClick(table.view.viewport(), Qt::LeftButton, Qt::ShiftModifier, cell.center());
+    const int copiedRows = qAbs(clicked - (anchor - 1)) + 1;
+    QCOMPARE(copiedRows > 100, taller);
+    QCOMPARE(table.view.selectedCellCount(), qint64(copiedRows) * 2);
+    QCOMPARE(table.view.currentIndex().siblingAtColumn(0).data().toInt(), clicked + 1);
+    QApplication::clipboard()->clear();
+    table.view.copySelection(false);
+    const QString text = QApplication::clipboard()->text();
+    QCOMPARE(text.count(QLatin1Char('\n')), copiedRows);
+    const int first = qMin(clicked, anchor - 1) + 1;
+    QCOMPARE(text.section(QLatin1Char('\n'), 0, 0), QStringLiteral("%1\tv").arg(first));
+    // Scrolled back to where the range starts, its rows show selected.
+    table.view.scrollToRow(first - 1);
+    QApplication::processEvents();
+    QVERIFY(table.view.selectionModel()->isSelected(table.model.index(table.view.rowAt(0), 1)));
 }
 
 void TestDatasetModel::largeCopyCancels()
