@@ -13,8 +13,10 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPainter>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QStyleOptionFrame>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -62,6 +64,50 @@ void markPattern(QLineEdit *edit, bool isPattern, const QString &pattern, const 
     }
     setMarked(edit, !error.isEmpty(), error, normalTip);
 }
+
+// A field that shows its leading and trailing spaces as "·" in the secondary colour while
+// it isn't being edited, so that a term of " x " can be told from "x".
+class SpaceShowingEdit : public QLineEdit
+{
+public:
+    using QLineEdit::QLineEdit;
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QLineEdit::paintEvent(event);
+        const QString text = this->text();
+        if (hasFocus() || text.isEmpty())
+            return;
+        int leading = 0;
+        while (leading < text.size() && text.at(leading) == QLatin1Char(' '))
+            ++leading;
+        int trailing = 0;
+        while (trailing < text.size() - leading && text.at(text.size() - 1 - trailing) == QLatin1Char(' '))
+            ++trailing;
+        if (leading == 0 && trailing == 0)
+            return;
+        QStyleOptionFrame option;
+        initStyleOption(&option);
+        QRect contents = style()->subElementRect(QStyle::SE_LineEditContents, &option, this);
+        contents = contents.marginsRemoved(textMargins());
+        const int left = contents.left() + 2; // QLineEdit's own horizontal margin
+        const QFontMetrics metrics = fontMetrics();
+        const int space = metrics.horizontalAdvance(QLatin1Char(' '));
+        QPainter painter(this);
+        painter.setClipRect(contents);
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        const auto dot = [&](int index) {
+            const int x = left + metrics.horizontalAdvance(text.left(index));
+            painter.drawText(
+                QRect(x, contents.top(), space, contents.height()), Qt::AlignCenter, QStringLiteral("·"));
+        };
+        for (int i = 0; i < leading; ++i)
+            dot(i);
+        for (int i = text.size() - trailing; i < text.size(); ++i)
+            dot(i);
+    }
+};
 
 QToolButton *makeRemoveButton(QWidget *parent)
 {
@@ -627,9 +673,9 @@ void ReplaceTermsParameterWidget::addRow(const ReplaceTerm &term)
     type->addItems(termTypeNames());
     type->setCurrentIndex(qBound(0, term.type, TermTypeCount - 1));
     type->setAccessibleName(tr("Type"));
-    auto *from = new QLineEdit(term.from, m_table);
+    QLineEdit *from = new SpaceShowingEdit(term.from, m_table);
     from->setAccessibleName(tr("From"));
-    auto *to = new QLineEdit(term.to, m_table);
+    QLineEdit *to = new SpaceShowingEdit(term.to, m_table);
     to->setAccessibleName(tr("To"));
     QToolButton *remove = makeRemoveButton(m_table);
     m_table->setCellWidget(row, 0, type);

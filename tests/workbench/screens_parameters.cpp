@@ -33,7 +33,7 @@ void fill(Parameter *parameter)
 {
     if (parameter->kind() == ParameterKind::ReplaceTerms) {
         parameter->setValue(QVariant::fromValue(ReplaceTermList {
-            {0, QStringLiteral("N."), QStringLiteral("North")}, {3, QStringLiteral("^\\s+("), QString()},
+            {0, QStringLiteral(" N. "), QStringLiteral("North  ")}, {3, QStringLiteral("^\\s+("), QString()},
             {4, QStringLiteral("*-old"), QStringLiteral("archived")}}));
         return;
     }
