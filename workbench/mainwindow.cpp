@@ -29,6 +29,7 @@
 #endif
 
 #include "core/settings.h"
+#include "core/values.h"
 #include "flow/connection.h"
 #include "flow/graphscene.h"
 #include "flow/ionode.h"
@@ -49,6 +50,7 @@
 #include <QDir>
 #include <QDockWidget>
 #include <QFileInfo>
+#include <QFontDatabase>
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QLabel>
@@ -193,6 +195,15 @@ MainWindow::MainWindow(Settings *settings, const QList<Transform *> &prototypes,
     });
     connect(qApp, &QApplication::focusChanged, this, &MainWindow::onFocusChanged);
     connect(QApplication::clipboard(), &QClipboard::dataChanged, this, &MainWindow::updateActions);
+
+    // The name saved flows carry, and the interface font chosen in the preferences.
+    if (m_settings) {
+        Document::setUserName(m_settings->stringValue(QStringLiteral("user_name")));
+        QFont font;
+        const QString fontText = m_settings->stringValue(QStringLiteral("ui_font"));
+        if (!fontText.isEmpty() && font.fromString(fontText))
+            QApplication::setFont(font);
+    }
 
     m_recoveryTimer = new QTimer(this);
     const int minutes = m_settings ? m_settings->intValue(QStringLiteral("auto_recovery_minutes")) : 0;
@@ -1493,7 +1504,28 @@ void MainWindow::applySettingChange(const QString &key)
         m_undoStack->setUndoLimit(m_settings->intValue(key));
     } else if (key == QLatin1String("max_memory_usage")) {
         updateMemoryLabel();
+    } else if (key == QLatin1String("user_name")) {
+        Document::setUserName(m_settings->stringValue(key));
+    } else if (key == QLatin1String("date_formats")) {
+        setDateFormats(m_settings->dateFormats());
+    } else if (key == QLatin1String("locale")) {
+        const QString name = m_settings->stringValue(key);
+        QLocale::setDefault(name.isEmpty() ? QLocale::system() : QLocale(name));
+        setDateFormats(m_settings->dateFormats());
+    } else if (key == QLatin1String("ui_font")) {
+        const QString text = m_settings->stringValue(key);
+        QFont font = QGuiApplication::font();
+        if (text.isEmpty() || font.fromString(text))
+            QApplication::setFont(text.isEmpty() ? QFontDatabase::systemFont(QFontDatabase::GeneralFont) : font);
     }
+}
+
+bool MainWindow::hasOtherRecoveryFiles() const
+{
+    const QString own = QFileInfo(recoveryPath()).fileName();
+    const QStringList files =
+        QDir(recoveryFolder(m_settings)).entryList({QStringLiteral("recovery-*.tflow")}, QDir::Files);
+    return files.size() > (files.contains(own) ? 1 : 0);
 }
 
 QList<QWidget *> MainWindow::paneCycle() const
@@ -1661,7 +1693,7 @@ void MainWindow::updateActions()
     m_connectToAction->setEnabled(current && !running);
     m_connectFromAction->setEnabled(current && !running);
     m_recentDocumentsAction->setEnabled(!running);
-    m_recoveredFlowsAction->setEnabled(!running);
+    m_recoveredFlowsAction->setEnabled(!running && hasOtherRecoveryFiles());
 #ifdef TABRELLE_HAS_ITEM_PANE
     const bool hasTable = m_itemPane && m_itemPane->dataPanel() && m_itemPane->dataPanel()->node()
         && current && current->status() == Node::UpToDate;

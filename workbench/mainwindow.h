@@ -129,6 +129,8 @@ private:
     void releaseRecoveryLocks();
     // The panes F6 and Shift+F6 move through, in order, those that can take focus.
     QList<QWidget *> paneCycle() const;
+    // Whether another process left a recovery file: File > Recovered Flows has work.
+    bool hasOtherRecoveryFiles() const;
     void focusPane(int step);
 
     Settings *m_settings;

@@ -47,6 +47,8 @@ private slots:
     void startupChoice();
     void dialogsOpenFromTheirActions_data();
     void dialogsOpenFromTheirActions();
+    void preferencesTakeEffect_data();
+    void preferencesTakeEffect();
     void panesCycleWithF6_data();
     void panesCycleWithF6();
     void shortcutsAreUnique();
@@ -492,6 +494,38 @@ void TestMainWindow::dialogsOpenFromTheirActions()
     QVERIFY2(trigger->isEnabled(), qPrintable(action));
     trigger->trigger();
     QCOMPARE(shown, dialog);
+}
+
+void TestMainWindow::preferencesTakeEffect_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QVariant>("value");
+    QTest::addColumn<QString>("check");
+    QTest::newRow("name in saved flows") << "user_name" << QVariant(QStringLiteral("AdaLovelace")) << "saved";
+    QTest::newRow("advanced transforms") << "show_advanced_transforms" << QVariant(true) << "showAdvancedAction";
+    QTest::newRow("dark theme") << "theme" << QVariant(2) << "darkThemeAction";
+}
+
+void TestMainWindow::preferencesTakeEffect()
+{
+    QFETCH(QString, key);
+    QFETCH(QVariant, value);
+    QFETCH(QString, check);
+    Settings *settings = Application::instance()->settings();
+    const QVariant before = settings->value(key);
+    settings->setValue(key, value);
+    if (check == QLatin1String("saved")) {
+        const QString path = m_folder.filePath(QStringLiteral("named.tflow"));
+        QVERIFY(m_window->saveDocumentAs(path));
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QVERIFY(QString::fromUtf8(file.readAll()).contains(value.toString()));
+    } else {
+        QVERIFY(m_window->action(check)->isChecked());
+    }
+    settings->setValue(key, before);
+    if (key == QLatin1String("theme"))
+        QVERIFY(m_window->action(QStringLiteral("desktopThemeAction"))->isChecked());
 }
 
 void TestMainWindow::panesCycleWithF6_data()
