@@ -598,30 +598,9 @@ void GraphViewPainter::paintConnection(
     if (m_dragging && start != m_dragStart)
         p->setOpacity(0.5);
     const QPainterPath &path = connection.path();
-    if (pen.style() == Qt::CustomDashLine) {
-        // The dashed outline is kept while the curve and the pen stay the same: dashing
-        // and stroking a curve anew cost more than filling the outline.
-        if (m_dashedOutlines.size() > 4 * 4096)
-            m_dashedOutlines.clear();
-        DashedOutline &dashed = m_dashedOutlines[&connection];
-        if (dashed.width != width || dashed.path != path) {
-            QPainterPathStroker stroker;
-            stroker.setWidth(width);
-            stroker.setCapStyle(pen.capStyle());
-            stroker.setJoinStyle(pen.joinStyle());
-            stroker.setDashPattern(pen.dashPattern());
-            dashed.path = path;
-            dashed.width = width;
-            dashed.outline = stroker.createStroke(path);
-        }
-        p->setPen(Qt::NoPen);
-        p->setBrush(color);
-        p->drawPath(dashed.outline);
-    } else {
-        p->setPen(pen);
-        p->setBrush(Qt::NoBrush);
-        p->drawPath(path);
-    }
+    p->setPen(pen);
+    p->setBrush(Qt::NoBrush);
+    p->drawPath(path);
 
     if (detail < MarksDetail) {
         p->restore();

@@ -5,7 +5,6 @@
 #include <QColor>
 #include <QFont>
 #include <QHash>
-#include <QPainterPath>
 #include <QStringList>
 #include <QPointer>
 #include <QSet>
@@ -91,14 +90,6 @@ private:
     };
     // Broken caption lines by node, remade when the name or font changes.
     QHash<const Node *, CaptionCache> m_captions;
-    struct DashedOutline
-    {
-        QPainterPath path;
-        qreal width = 0;
-        QPainterPath outline;
-    };
-    // The dashed outline of a connection's curve, remade when the curve or width changes.
-    QHash<const Connection *, DashedOutline> m_dashedOutlines;
     const Node *m_hovered = nullptr;
     const Node *m_current = nullptr;
     const Node *m_dragStart = nullptr;
