@@ -63,17 +63,6 @@ int fileTypeFor(const QString &path, bool *guessed)
     return InputNode::guessTextFormat(QString::fromUtf8(head));
 }
 
-QList<Node *> nodesOf(const QList<QGraphicsItem *> &items)
-{
-    QList<Node *> nodes;
-    for (QGraphicsItem *item : items) {
-        if (item->type() == Node::Type || dynamic_cast<Node *>(item))
-            if (Node *node = dynamic_cast<Node *>(item))
-                nodes << node;
-    }
-    return nodes;
-}
-
 bool canHaveDownstream(const Node *node)
 {
     return node->maxDownstream() > 0;
