@@ -22,10 +22,8 @@ bool s_stopRequested = false;
 // Pass-on rules of progress reports, in ms and in fraction.
 const qint64 ReportInterval = 250;
 const qreal ReportStep = 0.02;
-// Events run at each passed-on progress report. Reports come at least ReportInterval
-// apart, so waiting longer than that between runs of the event loop would let the window
-// stand still for twice as long: with 500 ms every gap came out just over 500 ms.
-const qint64 EventsInterval = ReportInterval;
+// The longest the event loop waits during a long item.
+const qint64 EventsInterval = 500;
 
 } // namespace
 
