@@ -56,12 +56,14 @@ ConnectDialog::ConnectDialog(GraphScene *scene, Node *node, Direction direction,
     m_list = new QListWidget(this);
     m_list->setObjectName(QStringLiteral("candidateList"));
     m_list->setAccessibleName(direction == To ? tr("Items to connect to") : tr("Items to connect from"));
+    m_list->setWordWrap(true);
     layout->addWidget(m_list, 1);
 
     auto *buttons = new QDialogButtonBox(QDialogButtonBox::Cancel, this);
     QPushButton *connectButton = buttons->addButton(tr("&Connect"), QDialogButtonBox::AcceptRole);
     connectButton->setObjectName(QStringLiteral("connectButton"));
     connectButton->setDefault(true);
+    m_connectButton = connectButton;
     layout->addWidget(buttons);
     connect(connectButton, &QPushButton::clicked, this, &ConnectDialog::connectCurrent);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -90,9 +92,12 @@ void ConnectDialog::reload()
     if (m_list->count() > 0)
         m_list->setCurrentRow(0);
     else if (m_filter->text().isEmpty())
-        new QListWidgetItem(m_direction == To ? tr("No item can take a connection from this one.")
-                                              : tr("No item can be connected to this one."),
-            m_list);
+        (new QListWidgetItem(m_direction == To ? tr("No item can take a connection from this one.")
+                                               : tr("No item can be connected to this one."),
+             m_list))
+            ->setFlags(Qt::NoItemFlags);
+    if (m_connectButton)
+        m_connectButton->setEnabled(!shownItems().isEmpty());
 }
 
 QStringList ConnectDialog::shownItems() const

@@ -7,6 +7,7 @@ class GraphScene;
 class Node;
 class QLineEdit;
 class QListWidget;
+class QPushButton;
 class QUndoStack;
 
 // Item > Connect To and Connect From: the items the current one can be connected to (or
@@ -41,4 +42,5 @@ private:
     QPointer<QUndoStack> m_undoStack;
     QLineEdit *m_filter;
     QListWidget *m_list;
+    QPushButton *m_connectButton = nullptr;
 };

@@ -95,8 +95,12 @@ TABRELLE_SCREENS(dialogs)
         }
         scene->removeNode(dedupe);
 
+        auto *sort = new TransformNode(screens::prototype(QStringLiteral("Sort"))->clone());
+        sort->setPos(input->pos() + QPointF(200, 300));
+        scene->addNode(sort);
         ConnectDialog connect(scene, input, ConnectDialog::To, window.undoStack(), &window);
         show(connect, QStringLiteral("dialog_connect_to"));
+        scene->removeNode(sort);
     }
 
     {
