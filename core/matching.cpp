@@ -244,7 +244,9 @@ QString operatorLabel(int op)
 {
     if (op < 0 || op >= OperatorCount)
         return QString();
-    return QCoreApplication::translate("Operator", operatorLabels[op]);
+    const QString label = QCoreApplication::translate("Operator", operatorLabels[op]);
+    // The empty tests show the empty set sign where their label leaves room for it.
+    return label.contains(QLatin1String("%1")) ? label.arg(QChar(0x2205)) : label;
 }
 
 QList<int> operatorDisplayOrder()

@@ -22,7 +22,7 @@ bool s_stopRequested = false;
 // Pass-on rules of progress reports, in ms and in fraction.
 const qint64 ReportInterval = 250;
 const qreal ReportStep = 0.02;
-// The longest the event loop waits during a long item.
+// Events run from a progress report only once this long has passed since they last ran.
 const qint64 EventsInterval = 500;
 
 } // namespace

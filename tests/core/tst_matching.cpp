@@ -207,6 +207,8 @@ void TestMatching::operatorsInComboOrder()
     QCOMPARE(QSet<int>(order.begin(), order.end()).size(), int(OperatorCount));
     QCOMPARE(operatorLabel(OperatorFuzzy90), QString::fromUtf8("≈9  90% fuzzy match"));
     QCOMPARE(operatorLabel(OperatorCount), QString());
+    QCOMPARE(operatorLabel(OperatorIsEmpty), QString::fromUtf8("∅   Is empty"));
+    QCOMPARE(operatorLabel(OperatorIsNotEmpty), QString::fromUtf8("!∅  Is not empty"));
     QCOMPARE(fuzzyPercent(OperatorFuzzy50), 50);
     QCOMPARE(fuzzyPercent(OperatorContains), 90);
     QVERIFY(needsNoTerm(OperatorIsEmpty) && !needsNoTerm(OperatorContains));
