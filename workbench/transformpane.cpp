@@ -5,6 +5,7 @@
 #include "core/settings.h"
 #include "transforms/transform.h"
 
+#include <algorithm>
 #include <QAction>
 #include <QCheckBox>
 #include <QCollator>
@@ -191,6 +192,18 @@ bool TransformPane::matches(const Transform *transform, const QStringList &words
     return !words.isEmpty() && transform->keywordMatches(words) == words.size();
 }
 
+bool TransformPane::nameMatches(const Transform *transform, const QStringList &words)
+{
+    const QStringList nameWords = searchWords(transform->name());
+    for (const QString &word : words) {
+        const bool found = std::any_of(nameWords.begin(), nameWords.end(),
+            [&word](const QString &nameWord) { return nameWord.startsWith(word); });
+        if (!found)
+            return false;
+    }
+    return true;
+}
+
 bool TransformPane::isListed(const Transform *transform, bool ignoreAdvanced) const
 {
     return ignoreAdvanced || !transform->isAdvanced() || showAdvanced();
@@ -224,7 +237,12 @@ void TransformPane::rebuild()
             else
                 ++hiddenAdvanced;
         }
+        // Transforms whose own name the words begin come first, so that typing a name and
+        // pressing Enter adds that transform; then the others, each group by name.
         sortByName(found);
+        std::stable_sort(found.begin(), found.end(), [&words](const Transform *a, const Transform *b) {
+            return nameMatches(a, words) && !nameMatches(b, words);
+        });
         for (Transform *transform : qAsConst(found))
             addTransform(transform);
         if (found.isEmpty() && hiddenAdvanced == 0) {

@@ -52,6 +52,8 @@ public:
     // Every listed transform matches all words: each word starts one of its keywords.
     static bool matches(const Transform *transform, const QStringList &words);
     static QStringList searchWords(const QString &text);
+    // Whether every word begins a word of the transform's display name.
+    static bool nameMatches(const Transform *transform, const QStringList &words);
 
 signals:
     void transformActivated(const Transform *prototype);
