@@ -101,8 +101,14 @@ void read(TransformNode &node, const DocumentElement &element, DocumentReadConte
         if (!target)
             return;
         for (const ParameterText &text : texts) {
-            if (Parameter *parameter = target->transform()->parameter(text.first))
-                parameter->setPendingText(text.second, version);
+            Parameter *parameter = target->transform()->parameter(text.first);
+            if (!parameter)
+                continue;
+            parameter->setPendingText(text.second, version);
+            // An option that names no column needs no upstream data: it takes its value at
+            // once, so that the item pane shows it before the first run.
+            if (!parameter->isColumnOption())
+                parameter->applyPending();
         }
     });
 }

@@ -551,15 +551,16 @@ void TestDocument::migrations_data()
         {"split text, 58", "Split", "Delimiter_Type", "Text%20", 58, "Delimiter_Type", "Text%20delimiter"},
         {"split regex unencoded, 58", "Split", "Delimiter_Type", "Regex ", 58, "Delimiter_Type",
             "Regex%20delimiter"},
-        {"split text, 59", "Split", "Delimiter_Type", "Text%20", 59, "Delimiter_Type", "Text%20"},
+        // Not migrated at this version, the text is no choice: the option keeps its default.
+        {"split text, 59", "Split", "Delimiter_Type", "Text%20", 59, "Delimiter_Type", "Text%20delimiter"},
         {"calculate julian day, 67", "Calculate", "Operation", "JulianDay", 67, "Operation",
             "DateToJulianDay"},
-        {"calculate julian day, 68", "Calculate", "Operation", "JulianDay", 68, "Operation", "JulianDay"},
+        {"calculate julian day, 68", "Calculate", "Operation", "JulianDay", 68, "Operation", "%2B%20Add"},
         {"calculate other, 67", "Calculate", "Operation", "JulianDayToDate", 67, "Operation",
             "JulianDayToDate"},
         {"random maximum, 77", "Random", "Maximum_Int", "100", 77, "Maximum_Int", "99"},
         {"random maximum, 78", "Random", "Maximum_Int", "100", 78, "Maximum_Int", "100"},
-        {"random maximum no number, 77", "Random", "Maximum_Int", "ten", 77, "Maximum_Int", "ten"},
+        {"random maximum no number, 77", "Random", "Maximum_Int", "ten", 77, "Maximum_Int", "100"},
         {"maximum of another transform, 77", "Sort", "Maximum_Int", "100", 77, "", ""},
         {"sequence minimum date, 78", "Sequence", "User_Define_Minimum_Missing", "2020-1-5", 78,
             "User_Define_Minimum_Missing_Date", "2020-01-05"},
@@ -600,9 +601,16 @@ void TestDocument::migrations()
     }
     const Parameter *target = node->transform()->parameter(expectedParameter);
     QVERIFY(target);
-    QVERIFY(target->isPending());
-    QCOMPARE(target->pendingText(), expectedText);
-    QCOMPARE(target->pendingVersion(), version);
+    // Options naming columns wait for their upstream data; the others take their value at
+    // once, and their text then shows what was read.
+    if (target->isColumnOption()) {
+        QVERIFY(target->isPending());
+        QCOMPARE(target->pendingText(), expectedText);
+        QCOMPARE(target->pendingVersion(), version);
+    } else {
+        QVERIFY(!target->isPending());
+        QCOMPARE(target->toText(), expectedText);
+    }
 }
 
 void TestDocument::skippedItems_data()
