@@ -180,6 +180,9 @@ int main(int argc, char **argv)
     // The sets of other screenshot files, by name, each on the reopened example.
     for (auto it = registered().cbegin(); it != registered().cend(); ++it) {
         std::printf("-- %s\n", qPrintable(it.key()));
+        // Each set starts from the example, whatever the one before opened.
+        window.openDocument(saved, false);
+        waitForRun(window);
         it.value()(window, work.path());
         settle();
     }
