@@ -2,6 +2,7 @@
 
 #include "graphviewchooser.h"
 #include "graphviewpainter.h"
+#include "itemwidgetchart.h"
 #include "prompts.h"
 #include "undo.h"
 
@@ -626,7 +627,8 @@ QList<Node *> GraphView::addInputFiles(const QStringList &paths, const QPointF *
             auto *input = new InputNode;
             bool guessed = false;
             const int type = fileTypeFor(path, &guessed);
-            InputOptions options = input->options();
+            // A new item starts from the options the user saved as defaults.
+            InputOptions options = InputNode::defaultOptions(m_scene->settings());
             options.path = QFileInfo(path).absoluteFilePath();
             options.fileType = type;
             input->setOptions(options);
@@ -658,7 +660,7 @@ Node *GraphView::addTextInput(const QString &text, const QPointF *at, const QStr
     const int type = InputNode::guessTextFormat(text);
     {
         UndoScope scope(m_scene, m_undoStack, stepName.isEmpty() ? tr("paste text") : stepName);
-        InputOptions options = input->options();
+        InputOptions options = InputNode::defaultOptions(m_scene->settings());
         options.fileType = type;
         input->setOptions(options);
         input->setMedium(IONode::Clipboard);
@@ -690,6 +692,7 @@ Node *GraphView::addOutput(const QString &path)
     auto *output = new OutputNode;
     {
         UndoScope scope(m_scene, m_undoStack, tr("add output"));
+        output->applyDefaults(m_scene->settings());
         OutputOptions options = output->options();
         options.path = QFileInfo(path).absoluteFilePath();
         const int type = FileFormat::forExtension(QFileInfo(path).suffix());
@@ -717,7 +720,7 @@ Node *GraphView::addChart(const QString &path, const QPointF *at)
     auto *chart = new ChartNode;
     {
         UndoScope scope(m_scene, m_undoStack, tr("add chart"));
-        ChartOptions options = chart->options();
+        ChartOptions options = ChartItemWidget::defaultOptions(m_scene->settings());
         options.writeFile = !path.isEmpty();
         if (!path.isEmpty()) {
             options.path = QFileInfo(path).absoluteFilePath();

@@ -1,6 +1,7 @@
 #include "canvastestutil.h"
 
 #include "charts/chartnode.h"
+#include "core/settings.h"
 #include "flow/connection.h"
 #include "flow/notenode.h"
 #include "outputs/outputnode.h"
@@ -40,6 +41,8 @@ private slots:
     void arrowKeysNavigate();
     void ctrlArrowMovesMergeIntoOneStep();
     void dropFilesMakesInputs();
+    void newItemsStartFromSavedDefaults_data();
+    void newItemsStartFromSavedDefaults();
     void dropOntoInputReplacesItsFile();
     void dropFolderSaysSo();
     void deleteAsksWhenColumnOptionsDownstream();
@@ -410,6 +413,52 @@ void TestGraphView::dropFilesMakesInputs()
     QCOMPARE(nodes.at(1)->pos().y() - nodes.at(0)->pos().y(), 96.0);
     QCOMPARE(m_stack->count(), 1);
     QCOMPARE(m_stack->undoText(), QStringLiteral("add input"));
+}
+
+void TestGraphView::newItemsStartFromSavedDefaults_data()
+{
+    QTest::addColumn<QString>("item");
+    QTest::addColumn<bool>("saved");
+    for (const char *item : {"input", "text input", "output", "chart"}) {
+        QTest::newRow(qPrintable(QStringLiteral("%1, defaults saved").arg(QLatin1String(item))))
+            << QString::fromLatin1(item) << true;
+        QTest::newRow(qPrintable(QStringLiteral("%1, factory").arg(QLatin1String(item))))
+            << QString::fromLatin1(item) << false;
+    }
+}
+
+void TestGraphView::newItemsStartFromSavedDefaults()
+{
+    QFETCH(QString, item);
+    QFETCH(bool, saved);
+    QFile::remove(m_folder.filePath(QStringLiteral("defaults.ini")));
+    Settings settings(m_folder.filePath(QStringLiteral("defaults.ini")));
+    if (saved) {
+        settings.setValue(QStringLiteral("defaults/inputs/delimiter"), QStringLiteral("2"));
+        settings.setValue(QStringLiteral("defaults/outputs/write_header"), QStringLiteral("0"));
+        settings.setValue(QStringLiteral("defaults/charts/chart_theme"), QStringLiteral("3"));
+    }
+    m_scene->setSettings(&settings);
+    Node *node = nullptr;
+    if (item == QLatin1String("input"))
+        node = m_view->addInputFiles({m_folder.filePath(QStringLiteral("new.csv"))}).value(0);
+    else if (item == QLatin1String("text input"))
+        node = m_view->addTextInput(QStringLiteral("a;b\n1;2\n"));
+    else if (item == QLatin1String("output"))
+        node = m_view->addOutput(m_folder.filePath(QStringLiteral("out.csv")));
+    else
+        node = m_view->addChart();
+    QVERIFY(node);
+    if (auto *input = qobject_cast<InputNode *>(node))
+        QCOMPARE(input->options().delimiter, saved ? 2 : InputOptions().delimiter);
+    else if (auto *output = qobject_cast<OutputNode *>(node))
+        QCOMPARE(output->options().writeHeader, !saved);
+    else
+        QCOMPARE(static_cast<ChartNode *>(node)->options().theme, saved ? 3 : 0);
+    // What the item was made for still holds.
+    if (item == QLatin1String("output"))
+        QCOMPARE(QFileInfo(static_cast<OutputNode *>(node)->path()).fileName(), QStringLiteral("out.csv"));
+    m_scene->setSettings(nullptr);
 }
 
 void TestGraphView::dropOntoInputReplacesItsFile()
