@@ -416,10 +416,7 @@ void GraphView::onRestored(GraphScene *scene, const QList<int> &selectedIds)
     setEditingEnabled(m_editingEnabled);
     setCurrentNode(m_scene->node(m_currentId));
     updateSceneRect();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
 }
 
 QPointF GraphView::viewCentre() const
@@ -473,6 +470,14 @@ QPointF GraphView::nextInputPosition() const
     return QPointF(left, y);
 }
 
+void GraphView::runSoon()
+{
+    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
+        if (scene)
+            scene->runIfAuto();
+    });
+}
+
 QList<Node *> GraphView::placeAndSelect(const QList<Node *> &nodes)
 {
     m_scene->clearSelection();
@@ -509,10 +514,7 @@ bool GraphView::connectNodes(Node *start, Node *end)
     }
     end->setStatus(Node::NeedsUpdating, true);
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
     return true;
 }
 
@@ -607,10 +609,7 @@ Node *GraphView::addTransform(const Transform *prototype, const QPointF *at)
     placeAndSelect({node});
     node->setStatus(Node::NeedsUpdating, true);
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
     return node;
 }
 
@@ -645,10 +644,7 @@ QList<Node *> GraphView::addInputFiles(const QStringList &paths, const QPointF *
     if (!guessMessage.isEmpty())
         emit statusMessage(guessMessage, MessageMs);
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
     return added;
 }
 
@@ -678,10 +674,7 @@ Node *GraphView::addTextInput(const QString &text, const QPointF *at, const QStr
         emit statusMessage(tr("Pasted text read as %1. Set 'Format' to change.").arg(FileFormat::name(type)),
             MessageMs);
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
     return input;
 }
 
@@ -706,10 +699,7 @@ Node *GraphView::addOutput(const QString &path)
     }
     placeAndSelect({output});
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
     return output;
 }
 
@@ -737,10 +727,7 @@ Node *GraphView::addChart(const QString &path, const QPointF *at)
     }
     placeAndSelect({chart});
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
     return chart;
 }
 
@@ -882,10 +869,7 @@ void GraphView::deleteSelection()
     for (Node *node : qAsConst(below))
         node->setStatus(Node::NeedsUpdating, true);
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
 }
 
 void GraphView::copySelection()
@@ -969,10 +953,7 @@ void GraphView::paste(const QMimeData *data)
         if (!information.isEmpty())
             Prompts::instance()->information(this, QApplication::applicationName(), information);
         emit editingDone();
-        QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-            if (scene)
-                scene->runIfAuto();
-        });
+        runSoon();
         return;
     }
     if (data->hasUrls()) {
@@ -1050,10 +1031,7 @@ void GraphView::duplicateSelection()
     }
     placeAndSelect(pasted);
     emit editingDone();
-    QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-        if (scene)
-            scene->runIfAuto();
-    });
+    runSoon();
 }
 
 void GraphView::tidyLayout()
@@ -1539,10 +1517,7 @@ void GraphView::dropFiles(const QStringList &paths, const QPointF &at, Node *ont
             makeCurrentAndSelect(input);
             input->setStatus(Node::NeedsUpdating, true);
             emit editingDone();
-            QTimer::singleShot(0, m_scene, [scene = QPointer<GraphScene>(m_scene)] {
-                if (scene)
-                    scene->runIfAuto();
-            });
+            runSoon();
             return;
         }
     }

@@ -134,6 +134,8 @@ private:
     void onRestored(GraphScene *scene, const QList<int> &selectedIds);
     QPointF viewCentre() const;
     QList<Node *> placeAndSelect(const QList<Node *> &nodes);
+    // Runs what an edit changed once it has returned to the event loop, when Auto Run is on.
+    void runSoon();
     void insertIntoConnection(Node *node, Connection *connection);
     bool confirmDisconnect(const QList<Node *> &nodes, const QList<Connection *> &connections, bool deleting);
     void dropFiles(const QStringList &paths, const QPointF &at, Node *onto);
