@@ -73,6 +73,8 @@ private slots:
 private:
     QPushButton *button(const QString &text) const;
     OutputNode *addOutput(int fileType);
+    // The item a data row names: the input, a new output, chart or note, or none for "flow".
+    Node *itemNamed(const QString &item);
     // Undo and redo replace the items; this finds the input again by id.
     InputNode *input() const { return qobject_cast<InputNode *>(m_scene->node(m_inputId)); }
 
@@ -690,6 +692,22 @@ void TestItemPanes::flowSummary()
     QCOMPARE(FlowItemWidget::notes(m_scene.get()), QString());
 }
 
+Node *TestItemPanes::itemNamed(const QString &item)
+{
+    Node *node = nullptr;
+    if (item == QLatin1String("input"))
+        return m_input;
+    if (item == QLatin1String("output"))
+        return addOutput(0);
+    if (item == QLatin1String("chart"))
+        node = new ChartNode;
+    else if (item == QLatin1String("note"))
+        node = new NoteNode;
+    if (node)
+        m_scene->addNode(node);
+    return node;
+}
+
 void TestItemPanes::helpButton_data()
 {
     QTest::addColumn<QString>("item");
@@ -707,18 +725,7 @@ void TestItemPanes::helpButton()
     QFETCH(QString, item);
     QFETCH(QString, tip);
     QFETCH(QString, topic);
-    Node *node = m_input;
-    if (item == QLatin1String("output")) {
-        node = addOutput(0);
-    } else if (item == QLatin1String("chart")) {
-        node = new ChartNode;
-        m_scene->addNode(node);
-    } else if (item == QLatin1String("note")) {
-        node = new NoteNode;
-        m_scene->addNode(node);
-    } else if (item == QLatin1String("flow")) {
-        node = nullptr;
-    }
+    Node *node = itemNamed(item);
     m_pane->setCurrentNode(node);
     m_pane->show();
     QToolButton *help = nullptr;
@@ -753,13 +760,7 @@ void TestItemPanes::rename()
     QFETCH(QString, item);
     QFETCH(QString, typed);
     QFETCH(QString, shown);
-    Node *node = m_input;
-    if (item == QLatin1String("output")) {
-        node = addOutput(0);
-    } else if (item == QLatin1String("chart")) {
-        node = new ChartNode;
-        m_scene->addNode(node);
-    }
+    Node *node = itemNamed(item);
     const QString derived = node->name();
     if (typed.isEmpty())
         node->setName(QStringLiteral("Given"));
