@@ -7,6 +7,8 @@ packages=(
     build-essential cmake ninja-build pkg-config ccache
     qtbase5-dev qtdeclarative5-dev libqt5charts5-dev libqt5svg5-dev
     libbenchmark-dev
+    # The allocator the program links: faster than the C library's for many small strings.
+    libmimalloc-dev
     xvfb xauth
     # File formats: JSON with numbers kept as text, zip for XLSX, FreeXL and the OLE2
     # container for XLS, YAML and XLSX writing.
