@@ -97,6 +97,7 @@ public:
         while (source.readBlock(BlockChars, data, length)) {
             if (!readBlock(reinterpret_cast<const char16_t *>(data), length)) {
                 report.warnings.prepend(tr("'%1' is too big for Tabrelle to read").arg(m_sourceName));
+                m_sink.settle();
                 return false;
             }
             sinceProgress += length;
@@ -291,6 +292,7 @@ public:
         while (source.readBlock(BlockChars, data, length)) {
             if (!readBlock(reinterpret_cast<const char16_t *>(data), length)) {
                 report.warnings.prepend(tr("'%1' is too big for Tabrelle to read").arg(m_sourceName));
+                m_sink.settle();
                 return false;
             }
             sinceProgress += length;

@@ -3,6 +3,8 @@
 #include "core/dataset.h"
 #include "core/values.h"
 
+#include <algorithm>
+#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -29,11 +31,62 @@ inline bool sameText(const QChar *a, const QChar *b, int length)
     return true;
 }
 
+// The string QString(data, length) makes, made here because cells are made by the million:
+// one allocation, the same header, without the general path's size arithmetic. Qt frees
+// it as any string of its own.
+QString makeString(const QChar *data, int length)
+{
+    auto *d =
+        static_cast<QStringData *>(std::malloc(sizeof(QStringData) + (size_t(length) + 1) * sizeof(QChar)));
+    Q_CHECK_PTR(d);
+    d->ref.atomic.storeRelaxed(1);
+    d->size = length;
+    d->alloc = uint(length) + 1;
+    d->capacityReserved = 0;
+    d->offset = sizeof(QStringData);
+    std::memcpy(d->data(), data, size_t(length) * sizeof(QChar));
+    d->data()[length] = 0;
+    return QString(QStringDataPtr {d});
+}
+
 } // namespace
 
 ValuePool::ValuePool(bool enabled)
     : m_enabled(enabled)
 { }
+
+ValuePool::~ValuePool()
+{
+    settle();
+}
+
+ValuePool::ValuePool(ValuePool &&other) noexcept
+    : m_slots(std::move(other.m_slots))
+    , m_entries(std::move(other.m_entries))
+    , m_uncounted(std::move(other.m_uncounted))
+    , m_lookups(other.m_lookups)
+    , m_hits(other.m_hits)
+    , m_enabled(other.m_enabled)
+{
+    other.m_entries.clear();
+    other.m_uncounted.clear();
+}
+
+ValuePool &ValuePool::operator=(ValuePool &&other) noexcept
+{
+    if (this != &other) {
+        release();
+        m_slots = std::move(other.m_slots);
+        m_entries = std::move(other.m_entries);
+        m_uncounted = std::move(other.m_uncounted);
+        m_lookups = other.m_lookups;
+        m_hits = other.m_hits;
+        m_enabled = other.m_enabled;
+        other.m_entries.clear();
+        other.m_uncounted.clear();
+    }
+    return *this;
+}
 
 void ValuePool::put(QString &cell, const QChar *data, int length)
 {
@@ -41,31 +94,17 @@ void ValuePool::put(QString &cell, const QChar *data, int length)
         return;
     if (!m_enabled) {
         // Swapped in, so that neither string's count is touched.
-        QString made(data, length);
+        QString made = makeString(data, length);
         cell.swap(made);
         return;
     }
-    if (m_slots.empty())
-        m_slots.resize(FirstPoolSlots);
-    ++m_lookups;
     const uint hash = qHash(QStringView(data, length), HashSeed);
-    const size_t mask = m_slots.size() - 1;
-    size_t index = hash & mask;
-    for (;; index = (index + 1) & mask) {
-        const Slot &slot = m_slots[index];
-        if (slot.value.isNull())
-            break;
-        if (slot.hash == hash && slot.value.size() == length
-            && sameText(slot.value.constData(), data, length)) {
-            ++m_hits;
-            QString shared(slot.value);
-            cell.swap(shared);
-            return;
-        }
-    }
-    QString made(data, length);
+    size_t index = 0;
+    if (take(cell, hash, data, length, index))
+        return;
+    QString made = makeString(data, length);
     cell.swap(made);
-    insert(index, hash, cell);
+    add(index, hash, cell);
 }
 
 void ValuePool::put(QString &cell, const QString &value)
@@ -76,57 +115,94 @@ void ValuePool::put(QString &cell, const QString &value)
         cell = value;
         return;
     }
+    const uint hash = qHash(QStringView(value), HashSeed);
+    size_t index = 0;
+    if (take(cell, hash, value.constData(), value.size(), index))
+        return;
+    cell = value;
+    add(index, hash, value);
+}
+
+// Looks the text up; on a hit the cell takes the pooled string without touching it. On a
+// miss index is the free slot where the text goes.
+bool ValuePool::take(QString &cell, uint hash, const QChar *data, int length, size_t &index)
+{
     if (m_slots.empty())
         m_slots.resize(FirstPoolSlots);
     ++m_lookups;
-    const uint hash = qHash(QStringView(value), HashSeed);
+    const quint64 key = quint64(hash) << 32;
     const size_t mask = m_slots.size() - 1;
-    size_t index = hash & mask;
-    for (;; index = (index + 1) & mask) {
-        const Slot &slot = m_slots[index];
-        if (slot.value.isNull())
-            break;
-        if (slot.hash == hash && slot.value == value) {
-            ++m_hits;
-            QString shared(slot.value);
-            cell.swap(shared);
-            return;
-        }
+    for (index = hash & mask;; index = (index + 1) & mask) {
+        const quint64 slot = m_slots[index];
+        if (slot == 0)
+            return false;
+        if ((slot & ~quint64(0xFFFFFFFFu)) != key)
+            continue;
+        Entry &entry = m_entries[size_t(quint32(slot)) - 1];
+        if (entry.length != length
+            || !sameText(length <= InlineChars ? entry.text : entry.value.constData(), data, length))
+            continue;
+        ++m_hits;
+        if (entry.uncounted++ == 0)
+            m_uncounted.push_back(int(quint32(slot)) - 1);
+        // Adopts the string without raising its count: settle() does that.
+        QString shared(QStringDataPtr {entry.value.data_ptr()});
+        cell.swap(shared);
+        return true;
     }
-    cell = value;
-    insert(index, hash, value);
 }
 
-void ValuePool::insert(size_t index, uint hash, const QString &value)
+void ValuePool::add(size_t index, uint hash, const QString &value)
 {
-    if (m_count >= PoolLimit && m_hits * 2 < m_lookups) {
+    if (int(m_entries.size()) >= PoolLimit && m_hits * 2 < m_lookups) {
         // Nearly every value is new: pooling would only cost. The cells already taken
         // from the pool keep their strings.
         m_enabled = false;
-        std::vector<Slot>().swap(m_slots);
+        release();
         return;
     }
-    Slot &slot = m_slots[index];
-    slot.hash = hash;
-    slot.value = value;
-    if (++m_count * 2 > int(m_slots.size()))
+    Entry entry;
+    entry.length = value.size();
+    if (entry.length <= InlineChars)
+        std::copy_n(value.constData(), entry.length, entry.text);
+    entry.value = value;
+    m_entries.push_back(std::move(entry));
+    m_slots[index] = (quint64(hash) << 32) | quint64(m_entries.size());
+    if (m_entries.size() * 2 > m_slots.size())
         grow();
 }
 
 void ValuePool::grow()
 {
-    std::vector<Slot> bigger(m_slots.size() * 2);
+    std::vector<quint64> bigger(m_slots.size() * 2);
     const size_t mask = bigger.size() - 1;
-    for (Slot &slot : m_slots) {
-        if (slot.value.isNull())
+    for (const quint64 slot : m_slots) {
+        if (slot == 0)
             continue;
-        size_t index = slot.hash & mask;
-        while (!bigger[index].value.isNull())
+        size_t index = size_t(slot >> 32) & mask;
+        while (bigger[index] != 0)
             index = (index + 1) & mask;
-        bigger[index].hash = slot.hash;
-        bigger[index].value.swap(slot.value);
+        bigger[index] = slot;
     }
     m_slots.swap(bigger);
+}
+
+void ValuePool::settle()
+{
+    for (const int index : m_uncounted) {
+        Entry &entry = m_entries[size_t(index)];
+        entry.value.data_ptr()->ref.atomic.fetchAndAddOrdered(entry.uncounted);
+        entry.uncounted = 0;
+    }
+    m_uncounted.clear();
+}
+
+void ValuePool::release()
+{
+    settle();
+    std::vector<quint64>().swap(m_slots);
+    std::vector<Entry>().swap(m_entries);
+    std::vector<int>().swap(m_uncounted);
 }
 
 RowSink::RowSink(const InputOptions &options, Dataset &table)
@@ -168,6 +244,7 @@ void RowSink::startRow()
 
 RowSink::~RowSink()
 {
+    settle();
     if (m_table.rowCount() > m_used)
         m_table.setRowCount(m_used);
 }
@@ -175,7 +252,8 @@ RowSink::~RowSink()
 ValuePool &RowSink::pool(int column)
 {
     if (column >= int(m_pools.size()))
-        m_pools.resize(size_t(column) + 1, ValuePool(m_pooling));
+        while (int(m_pools.size()) <= column)
+            m_pools.emplace_back(m_pooling);
     return m_pools[size_t(column)];
 }
 
@@ -189,12 +267,21 @@ void RowSink::addChangedCell(QString value)
     pool(column).put(nextCell(), value);
 }
 
+void RowSink::settle()
+{
+    for (ValuePool &pool : m_pools)
+        pool.settle();
+}
+
 void RowSink::endRow(int inputRow, bool keep)
 {
     if (keep) {
         store(inputRow);
         return;
     }
+    // The row's cells go, so the references they took must count first.
+    if (m_count > 0)
+        settle();
     if (m_row.size() != m_blankRow.size()) {
         startRow(); // a dropped row wider than the table mustn't widen the next one
         return;
@@ -261,6 +348,7 @@ void RowSink::store(int inputRow)
 
 void RowSink::finish(ReadReport &report)
 {
+    settle();
     if (m_table.rowCount() > m_used)
         m_table.setRowCount(m_used);
     if (m_widths.size() > 1) {

@@ -13,27 +13,48 @@ class Dataset;
 // before becomes another reference to the same string, looked up before any string is
 // made. A column whose values hardly repeat (ids, free text) stops being pooled once the
 // pool is large, so that it costs neither time nor memory.
+//
+// A lookup touches only the pool's own compact tables, never the shared string: the
+// string's reference count is raised for all the cells that took it at once, by settle().
+// Until then no cell filled by the pool may be destroyed, or its string could be freed
+// while other cells hold it.
 class ValuePool
 {
 public:
     explicit ValuePool(bool enabled = true);
+    ~ValuePool();
+    ValuePool(ValuePool &&other) noexcept;
+    ValuePool &operator=(ValuePool &&other) noexcept;
+    ValuePool(const ValuePool &) = delete;
+    ValuePool &operator=(const ValuePool &) = delete;
+
     // Puts the pooled string equal to the text into cell, or a new one (added to the pool
     // while it is on). The cell holds the shared empty string before.
     void put(QString &cell, const QChar *data, int length);
     void put(QString &cell, const QString &value);
+    // Counts the references the cells took since the last time.
+    void settle();
     bool isEnabled() const { return m_enabled; }
-    int size() const { return m_count; }
+    int size() const { return int(m_entries.size()); }
 
 private:
-    struct Slot
+    // A text up to InlineChars long is compared here, without touching the string.
+    static constexpr int InlineChars = 16;
+    struct Entry
     {
-        uint hash = 0;
-        QString value; // null when the slot is free
+        int length = 0;
+        int uncounted = 0; // cells holding value whose reference isn't counted yet
+        QChar text[InlineChars];
+        QString value; // the pool's own reference
     };
-    void insert(size_t index, uint hash, const QString &value);
+    bool take(QString &cell, uint hash, const QChar *data, int length, size_t &index);
+    void add(size_t index, uint hash, const QString &value);
     void grow();
-    std::vector<Slot> m_slots;
-    int m_count = 0;
+    void release();
+    // Per slot: the hash in the high half, the entry's index + 1 in the low half; 0 is free.
+    std::vector<quint64> m_slots;
+    std::vector<Entry> m_entries;
+    std::vector<int> m_uncounted; // entries whose uncounted is above 0
     qint64 m_lookups = 0;
     qint64 m_hits = 0;
     bool m_enabled;
@@ -72,6 +93,9 @@ public:
     // Sets the table's final row count and adds the ragged row warning and the empty row
     // count to the report.
     void finish(ReadReport &report);
+    // Counts the references the cells took from the pools: the table's cells may be
+    // destroyed only after this or finish().
+    void settle();
 
     int emptyRows() const { return m_emptyRows; }
 

@@ -19,6 +19,8 @@ private slots:
     void plainText_data();
     void plainText();
     void wideRow();
+    void sharedCounts_data();
+    void sharedCounts();
 };
 
 void TestDelimitedReader::read_data()
@@ -286,6 +288,55 @@ void TestDelimitedReader::wideRow()
     QCOMPARE(table.cell(0, 100000), QStringLiteral("last"));
     QCOMPARE(table.cell(1, 0), QStringLiteral("short"));
     QCOMPARE(table.cell(1, 100000), QString());
+}
+
+void TestDelimitedReader::sharedCounts_data()
+{
+    // Cells with the same text share one string, whose reference count the reader raises
+    // once at the end for all of them: it must come out as the number of cells holding it,
+    // whatever rows were dropped or widened on the way.
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QString>("options");
+
+    QByteArray distinct; // the first column's pool gives up, the second's keeps going
+    for (int r = 0; r < 20000; ++r)
+        distinct += "v" + QByteArray::number(r) + ",w" + QByteArray::number(r % 7) + "\n";
+    distinct += "v1,w1\n";
+    row("repeated values", QByteArray("a,b\na,b\na,c\n"), QStringLiteral("delimiter=1"));
+    row("ignored first rows share values", QByteArray("a,b\na,b\na,b\na\n"),
+        QStringLiteral("delimiter=1 first=2"));
+    row("ignored empty rows", QByteArray("a\n\n,\na\n"), QStringLiteral("delimiter=1"));
+    row("a wider row widens the table", QByteArray("a\na,b,a\na\n"), QStringLiteral("delimiter=1"));
+    row("trimmed cells", QByteArray(" a ,a\n a,a \n"), QStringLiteral("delimiter=1 trim=1"));
+    row("quoted cells across rows", QByteArray("\"a\",\"a\"\n\"a\"\n"), QStringLiteral("delimiter=1"));
+    row("unquoted reader", QByteArray("a\tb\na\tb\n"), QStringLiteral("delimiter=4 first=1"));
+    row("a pool that gives up", distinct, QStringLiteral("delimiter=1"));
+}
+
+void TestDelimitedReader::sharedCounts()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QString, options);
+    Dataset table;
+    ReadReport report;
+    QVERIFY(readertest::read(readDelimited, bytes, readertest::options(options), table, report));
+    QVERIFY(table.rowCount() > 0);
+    QHash<const QChar *, int> holders;
+    for (int r = 0; r < table.rowCount(); ++r) {
+        for (const QString &cell : table.row(r)) {
+            if (!cell.isEmpty())
+                ++holders[cell.constData()];
+        }
+    }
+    for (int r = 0; r < table.rowCount(); ++r) {
+        for (QString cell : table.row(r)) {
+            if (cell.isEmpty())
+                continue;
+            // The copy above holds one reference of its own.
+            const int count = cell.data_ptr()->ref.atomic.loadRelaxed() - 1;
+            QCOMPARE(count, holders.value(cell.constData()));
+        }
+    }
 }
 
 QTEST_MAIN(TestDelimitedReader)
