@@ -297,29 +297,41 @@ void TestDelimitedReader::sharedCounts_data()
     // whatever rows were dropped or widened on the way.
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("options");
+    QTest::addColumn<int>("memoryMode"); // 1 shares nothing
 
     QByteArray distinct; // the first column's pool gives up, the second's keeps going
     for (int r = 0; r < 20000; ++r)
         distinct += "v" + QByteArray::number(r) + ",w" + QByteArray::number(r % 7) + "\n";
     distinct += "v1,w1\n";
-    row("repeated values", QByteArray("a,b\na,b\na,c\n"), QStringLiteral("delimiter=1"));
-    row("ignored first rows share values", QByteArray("a,b\na,b\na,b\na\n"),
-        QStringLiteral("delimiter=1 first=2"));
-    row("ignored empty rows", QByteArray("a\n\n,\na\n"), QStringLiteral("delimiter=1"));
-    row("a wider row widens the table", QByteArray("a\na,b,a\na\n"), QStringLiteral("delimiter=1"));
-    row("trimmed cells", QByteArray(" a ,a\n a,a \n"), QStringLiteral("delimiter=1 trim=1"));
-    row("quoted cells across rows", QByteArray("\"a\",\"a\"\n\"a\"\n"), QStringLiteral("delimiter=1"));
-    row("unquoted reader", QByteArray("a\tb\na\tb\n"), QStringLiteral("delimiter=4 first=1"));
-    row("a pool that gives up", distinct, QStringLiteral("delimiter=1"));
+    const QList<QPair<const char *, QPair<QByteArray, const char *>>> cases = {
+        {"repeated values", {"a,b\na,b\na,c\n", "delimiter=1"}},
+        {"ignored first rows share values", {"a,b\na,b\na,b\na\n", "delimiter=1 first=2"}},
+        {"ignored empty rows", {"a\n\n,\na\n", "delimiter=1"}},
+        {"a wider row widens the table", {"a\na,b,a\na\n", "delimiter=1"}},
+        {"trimmed cells", {" a ,a\n a,a \n", "delimiter=1 trim=1"}},
+        {"quoted cells across rows", {"\"a\",\"a\"\n\"a\"\n", "delimiter=1"}},
+        {"unquoted reader", {"a\tb\na\tb\n", "delimiter=4 first=1"}},
+        {"a pool that gives up", {distinct, "delimiter=1"}},
+    };
+    for (const int mode : {0, 1}) {
+        for (const auto &[name, input] : cases) {
+            QTest::addRow("%s, memory mode %d", name, mode)
+                << input.first << QString::fromLatin1(input.second) << mode;
+        }
+    }
 }
 
 void TestDelimitedReader::sharedCounts()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, options);
+    QFETCH(int, memoryMode);
+    Dataset::setMemoryMode(memoryMode);
     Dataset table;
     ReadReport report;
-    QVERIFY(readertest::read(readDelimited, bytes, readertest::options(options), table, report));
+    const bool read = readertest::read(readDelimited, bytes, readertest::options(options), table, report);
+    Dataset::setMemoryMode(0);
+    QVERIFY(read);
     QVERIFY(table.rowCount() > 0);
     QHash<const QChar *, int> holders;
     for (int r = 0; r < table.rowCount(); ++r) {
@@ -335,6 +347,8 @@ void TestDelimitedReader::sharedCounts()
             // The copy above holds one reference of its own.
             const int count = cell.data_ptr()->ref.atomic.loadRelaxed() - 1;
             QCOMPARE(count, holders.value(cell.constData()));
+            if (memoryMode == 1)
+                QCOMPARE(count, 1);
         }
     }
 }
