@@ -196,6 +196,13 @@ public:
     void setRowCount(int count);
     void resize(int rows, int columns);
     void reserveRows(int count) { m_rows.reserve(count); }
+    // Appends cells, columnCount() wide, as the last row as they are (no interning) and
+    // leaves cells empty: how readers hand over a row they built.
+    void takeRow(QStringList &cells)
+    {
+        m_rows.append(QStringList());
+        m_rows.last().swap(cells);
+    }
 
     // Columns
     void appendColumn();

@@ -13,7 +13,6 @@ namespace {
 constexpr int PoolLimit = 1 << 14;
 constexpr uint HashSeed = 0x9E3779B9u;
 constexpr int FirstPoolSlots = 16;
-constexpr int FirstRowBatch = 4096;
 
 // Empty, not null, like every blank cell of a table; its data is static, so copies of it
 // cost no reference counting.
@@ -212,13 +211,18 @@ RowSink::RowSink(const InputOptions &options, Dataset &table)
     , m_ignoreEmptyRows(options.ignoreEmptyRows)
     , m_changesCells(options.trimWhitespace || options.simplifyWhitespace)
     , m_pooling(Dataset::memoryMode() != 1)
-    , m_used(table.rowCount())
 {
-    setBlankRowWidth(table.columnCount());
+    setWidth(table.columnCount());
     startRow();
 }
 
-void RowSink::setBlankRowWidth(int width)
+void RowSink::widenRow()
+{
+    m_row.append(EmptyCell);
+    m_cells = &m_row[0];
+}
+
+void RowSink::setWidth(int width)
 {
     // Every row is a copy of this list and takes its capacity, so it has no room to spare.
     QStringList blank;
@@ -226,12 +230,6 @@ void RowSink::setBlankRowWidth(int width)
     for (int c = 0; c < width; ++c)
         blank.append(EmptyCell);
     m_blankRow.swap(blank);
-}
-
-void RowSink::widenRow()
-{
-    m_row.append(EmptyCell);
-    m_cells = &m_row[0];
 }
 
 void RowSink::startRow()
@@ -245,8 +243,6 @@ void RowSink::startRow()
 RowSink::~RowSink()
 {
     settle();
-    if (m_table.rowCount() > m_used)
-        m_table.setRowCount(m_used);
 }
 
 ValuePool &RowSink::pool(int column)
@@ -324,10 +320,9 @@ void RowSink::store(int inputRow)
     }
     ++m_lastWidth->rows;
     if (values > m_table.columnCount()) {
-        // Earlier rows gain empty cells; the blank rows made ahead go first.
-        m_table.setRowCount(m_used);
+        // Earlier rows gain empty cells.
         m_table.setColumnCount(values);
-        setBlankRowWidth(values);
+        setWidth(values);
     }
     const int columns = m_table.columnCount();
     if (columns == 0) {
@@ -338,19 +333,15 @@ void RowSink::store(int inputRow)
         m_row.append(EmptyCell);
     if (m_row.size() > columns)
         m_row.erase(m_row.begin() + columns, m_row.end());
-    // The rows are already shared strings, so they go in as they are, not through the
-    // table's own interning: rows are made ahead in batches and then filled.
-    if (m_used >= m_table.rowCount())
-        m_table.setRowCount(m_used + qMax(FirstRowBatch, m_used / 2));
-    m_table.mutableRow(m_used++).swap(m_row);
+    // The cells are already shared strings, so the row goes in as it is, not through the
+    // table's own interning.
+    m_table.takeRow(m_row);
     startRow();
 }
 
 void RowSink::finish(ReadReport &report)
 {
     settle();
-    if (m_table.rowCount() > m_used)
-        m_table.setRowCount(m_used);
     if (m_widths.size() > 1) {
         QStringList lines;
         lines << tr("Number of values per row vary:");

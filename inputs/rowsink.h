@@ -90,8 +90,7 @@ public:
     void endRow(int inputRow, bool keep = true);
     // Hands a whole row on.
     void add(const QStringList &row, int inputRow);
-    // Sets the table's final row count and adds the ragged row warning and the empty row
-    // count to the report.
+    // Adds the ragged row warning and the empty row count to the report.
     void finish(ReadReport &report);
     // Counts the references the cells took from the pools: the table's cells may be
     // destroyed only after this or finish().
@@ -115,7 +114,7 @@ private:
             widenRow();
         return m_cells[m_count++];
     }
-    void setBlankRowWidth(int width);
+    void setWidth(int width);
     void widenRow();
     void startRow();
     void addChangedCell(QString value);
@@ -127,12 +126,11 @@ private:
     const bool m_ignoreEmptyRows;
     const bool m_changesCells; // trimmed or simplified
     const bool m_pooling;
-    QStringList m_blankRow;
+    QStringList m_blankRow; // as wide as the table
     QStringList m_row;
     QString *m_cells = nullptr; // m_row's strings, which a QStringList keeps side by side
     int m_count = 0; // cells filled in m_row
     std::vector<ValuePool> m_pools;
-    int m_used = 0; // rows filled; the table may hold blank rows beyond, made in batches
     int m_emptyRows = 0;
     std::map<int, Width> m_widths;
     Width *m_lastWidth = nullptr; // rows mostly share one width: skips the map lookup
