@@ -62,18 +62,9 @@ void readFile(benchmark::State &state)
     const qint64 bytes = QFileInfo(path).size();
     double peak = 0;
     double rows = 0;
-    for (auto _ : state) {
-        QProcess reader;
-        reader.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--read-once"), path});
-        if (!reader.waitForFinished(600000) || reader.exitCode() != 0) {
-            state.SkipWithError("the read in a child process failed");
-            return;
-        }
-        const QStringList fields = QString::fromUtf8(reader.readAllStandardOutput()).simplified().split(' ');
-        state.SetIterationTime(fields.value(0).toDouble());
-        rows = fields.value(1).toDouble();
-        peak = qMax(peak, fields.value(2).toDouble() / 1024.0);
-    }
+    if (!benchutil::timeChildRuns(state, QCoreApplication::applicationFilePath(),
+            {QStringLiteral("--read-once"), path}, "the read in a child process failed", rows, peak))
+        return;
     state.SetBytesProcessed(state.iterations() * bytes);
     state.counters["rows"] = rows;
     state.counters["rows_per_s"] = benchmark::Counter(rows * state.iterations(), benchmark::Counter::kIsRate);
@@ -96,18 +87,10 @@ void pandasReadCsv(benchmark::State &state)
                        "print(seconds, len(frame), resource.getrusage(resource.RUSAGE_SELF).ru_maxrss)\n");
     double peak = 0;
     double rows = 0;
-    for (auto _ : state) {
-        QProcess python;
-        python.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral("-c"), script, path});
-        if (!python.waitForFinished(600000) || python.exitCode() != 0) {
-            state.SkipWithError("pandas could not be run with /usr/bin/python3");
-            return;
-        }
-        const QStringList fields = QString::fromUtf8(python.readAllStandardOutput()).simplified().split(' ');
-        state.SetIterationTime(fields.value(0).toDouble());
-        rows = fields.value(1).toDouble();
-        peak = qMax(peak, fields.value(2).toDouble() / 1024.0);
-    }
+    if (!benchutil::timeChildRuns(state, QStringLiteral("/usr/bin/python3"),
+            {QStringLiteral("-c"), script, path}, "pandas could not be run with /usr/bin/python3", rows,
+            peak))
+        return;
     state.SetBytesProcessed(state.iterations() * bytes);
     state.counters["rows"] = rows;
     state.counters["rows_per_s"] = benchmark::Counter(rows * state.iterations(), benchmark::Counter::kIsRate);

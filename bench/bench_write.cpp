@@ -189,19 +189,10 @@ void pandasToCsv(benchmark::State &state)
     const QString target = outputFolder() + QStringLiteral("/pandas.csv");
     double peak = 0;
     double rows = 0;
-    for (auto _ : state) {
-        QProcess python;
-        python.start(
-            QStringLiteral("/usr/bin/python3"), {QStringLiteral("-c"), script, writtenPath(), target});
-        if (!python.waitForFinished(600000) || python.exitCode() != 0) {
-            state.SkipWithError("pandas could not be run with /usr/bin/python3");
-            return;
-        }
-        const QStringList fields = QString::fromUtf8(python.readAllStandardOutput()).simplified().split(' ');
-        state.SetIterationTime(fields.value(0).toDouble());
-        rows = fields.value(1).toDouble();
-        peak = qMax(peak, fields.value(2).toDouble() / 1024.0);
-    }
+    if (!benchutil::timeChildRuns(state, QStringLiteral("/usr/bin/python3"),
+            {QStringLiteral("-c"), script, writtenPath(), target},
+            "pandas could not be run with /usr/bin/python3", rows, peak))
+        return;
     state.SetBytesProcessed(state.iterations() * QFileInfo(target).size());
     state.counters["rows_per_s"] = benchmark::Counter(rows * state.iterations(), benchmark::Counter::kIsRate);
     state.counters["peak_MiB"] = peak;

@@ -1,5 +1,11 @@
 #pragma once
 
+#include <QProcess>
+#include <QStringList>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -26,9 +32,15 @@ inline long readStatusField(const char *field)
 }
 
 // Resident memory now.
-inline long residentKiB() { return readStatusField("VmRSS"); }
+inline long residentKiB()
+{
+    return readStatusField("VmRSS");
+}
 // Highest resident memory so far.
-inline long peakResidentKiB() { return readStatusField("VmHWM"); }
+inline long peakResidentKiB()
+{
+    return readStatusField("VmHWM");
+}
 
 // Resets the peak so that the next peakResidentKiB() measures from here (Linux 4.0+).
 inline void resetPeak()
@@ -37,6 +49,27 @@ inline void resetPeak()
         std::fputs("5", file);
         std::fclose(file);
     }
+}
+
+// Runs program once per iteration; each run times its own work and prints "seconds rows
+// peak-KiB" on one line. The iteration takes that time (for UseManualTime); rows and the
+// highest peak, in MiB, come back. False, with the benchmark skipped, when a run fails.
+inline bool timeChildRuns(benchmark::State &state, const QString &program, const QStringList &arguments,
+    const char *failure, double &rows, double &peakMiB)
+{
+    for (auto _ : state) {
+        QProcess child;
+        child.start(program, arguments);
+        if (!child.waitForFinished(600000) || child.exitCode() != 0) {
+            state.SkipWithError(failure);
+            return false;
+        }
+        const QStringList fields = QString::fromUtf8(child.readAllStandardOutput()).simplified().split(' ');
+        state.SetIterationTime(fields.value(0).toDouble());
+        rows = fields.value(1).toDouble();
+        peakMiB = std::max(peakMiB, fields.value(2).toDouble() / 1024.0);
+    }
+    return true;
 }
 
 } // namespace benchutil
