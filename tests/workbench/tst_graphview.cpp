@@ -64,6 +64,21 @@ private:
         return m_view->mapFromScene(node->pos() + offset);
     }
 
+    // A new input at (200, 0), its output port dragged to an empty place of the canvas; the
+    // chooser that opens there.
+    ItemChooserPopup *dragFromNewInputTo(const QPointF &scenePos, Node *&input)
+    {
+        input = addInput(*m_scene, QPointF(200, 0));
+        QCoreApplication::processEvents(); // the scene grows around the new item first
+        const QPoint port = viewPos(input, GraphViewPainter::outPortPos());
+        const QPoint empty = m_view->mapFromScene(scenePos);
+        QTest::mouseMove(m_view->viewport(), port);
+        QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, port);
+        QTest::mouseMove(m_view->viewport(), empty);
+        QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, empty);
+        return m_view->findChild<ItemChooserPopup *>();
+    }
+
     GraphScene *m_scene = nullptr;
     QUndoStack *m_stack = nullptr;
     GraphView *m_view = nullptr;
@@ -156,17 +171,9 @@ void TestGraphView::dragFromPort()
 
 void TestGraphView::releaseOnEmptyCanvasOpensChooser()
 {
-    QList<Transform *> prototypes = Application::instance()->transforms();
-    m_view->setTransformPrototypes(prototypes);
-    Node *input = addInput(*m_scene, QPointF(200, 0));
-    QCoreApplication::processEvents(); // the scene grows around the new item first
-    const QPoint port = viewPos(input, GraphViewPainter::outPortPos());
-    const QPoint empty = m_view->mapFromScene(QPointF(450, 150));
-    QTest::mouseMove(m_view->viewport(), port);
-    QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, port);
-    QTest::mouseMove(m_view->viewport(), empty);
-    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, empty);
-    auto *popup = m_view->findChild<ItemChooserPopup *>();
+    m_view->setTransformPrototypes(Application::instance()->transforms());
+    Node *input = nullptr;
+    ItemChooserPopup *popup = dragFromNewInputTo(QPointF(450, 150), input);
     QVERIFY(popup);
     QCOMPARE(popup->searchEdit()->placeholderText(), QStringLiteral("Add item connected from 'Clipboard'"));
     QVERIFY(popup->listedTexts().contains(QStringLiteral("Output")));
@@ -196,15 +203,8 @@ void TestGraphView::chooserAddsChart()
     QFETCH(QStringList, firstListed);
     QFETCH(int, downPresses);
     m_view->setTransformPrototypes(Application::instance()->transforms());
-    Node *input = addInput(*m_scene, QPointF(200, 0));
-    QCoreApplication::processEvents();
-    const QPoint port = viewPos(input, GraphViewPainter::outPortPos());
-    const QPoint empty = m_view->mapFromScene(QPointF(500, 200));
-    QTest::mouseMove(m_view->viewport(), port);
-    QTest::mousePress(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, port);
-    QTest::mouseMove(m_view->viewport(), empty);
-    QTest::mouseRelease(m_view->viewport(), Qt::LeftButton, Qt::NoModifier, empty);
-    auto *popup = m_view->findChild<ItemChooserPopup *>();
+    Node *input = nullptr;
+    ItemChooserPopup *popup = dragFromNewInputTo(QPointF(500, 200), input);
     QVERIFY(popup);
     QTest::keyClicks(popup->searchEdit(), typed);
     QCOMPARE(popup->listedTexts().mid(0, firstListed.size()), firstListed);
