@@ -429,17 +429,19 @@ bool GraphView::hasSelection() const
     return m_scene && !m_scene->selectedItems().isEmpty();
 }
 
-QPointF GraphView::freePosition(QPointF pos, const Node *ignore) const
+QPointF GraphView::freePosition(QPointF pos, const Node *ignore, const QRectF &shape) const
 {
     if (!m_scene)
         return pos;
-    const QRectF footprint(-75 - 16, -28 - 16, 150 + 32, 56 + 50 + 32);
+    const QRectF itemShape(-75, -28, 150, 106); // tile and caption
+    const QRectF footprint = (shape.isNull() ? itemShape : shape).adjusted(-16, -16, 16, 16);
     for (int guard = 0; guard < 1000; ++guard) {
         bool overlaps = false;
         for (const Node *node : m_scene->nodes()) {
             if (node == ignore)
                 continue;
-            const QRectF other = QRectF(-75, -28, 150, 106).translated(node->pos());
+            const QRectF other = qobject_cast<const NoteNode *>(node) ? node->sceneBoundingRect()
+                                                                     : itemShape.translated(node->pos());
             if (footprint.translated(pos).intersects(other)) {
                 overlaps = true;
                 break;
@@ -739,7 +741,7 @@ Node *GraphView::addNote(const QPointF *at)
     {
         UndoScope scope(m_scene, m_undoStack, tr("add note"));
         note->setText(tr("Note"));
-        note->setPos(at ? *at : viewCentre());
+        note->setPos(at ? *at : freePosition(viewCentre(), nullptr, note->boundingRect()));
         m_scene->addNode(note);
     }
     placeAndSelect({note});

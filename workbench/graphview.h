@@ -81,8 +81,9 @@ public:
 
     // Where a new input goes: below the lowest input.
     QPointF nextInputPosition() const;
-    // Moves pos down until the item's tile and caption overlap no other item.
-    QPointF freePosition(QPointF pos, const Node *ignore = nullptr) const;
+    // Moves pos down until shape (relative to pos; an item's tile and caption when null)
+    // overlaps no other item or note.
+    QPointF freePosition(QPointF pos, const Node *ignore = nullptr, const QRectF &shape = QRectF()) const;
 
     // The transforms the chooser popup offers, and whether advanced ones are among them.
     void setTransformPrototypes(const QList<Transform *> &prototypes) { m_prototypes = prototypes; }

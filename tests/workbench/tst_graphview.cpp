@@ -33,6 +33,7 @@ private slots:
     void chooserAddsChart();
     void noteEditsInPlace_data();
     void noteEditsInPlace();
+    void newNoteClearsItems();
     void rubberBand();
     void wheelZoomLimits_data();
     void wheelZoomLimits();
@@ -295,6 +296,21 @@ void TestGraphView::noteEditsInPlace()
         QCOMPARE(restored->text(), QStringLiteral("Remember"));
     }
     QCOMPARE(m_scene->nodes().size(), 1); // nothing deleted by the keys typed
+}
+
+void TestGraphView::newNoteClearsItems()
+{
+    // Added from the menu, a note goes near the middle of the view but never over an item.
+    Node *item = addInput(*m_scene, m_view->mapToScene(m_view->viewport()->rect().center()));
+    Node *first = m_view->addNote();
+    QVERIFY(first);
+    m_view->setFocus(); // ends the edit of the first note
+    Node *second = m_view->addNote();
+    QVERIFY(second);
+    const QRectF itemShape = QRectF(-75, -28, 150, 106).translated(item->pos());
+    QVERIFY(!first->sceneBoundingRect().intersects(itemShape));
+    QVERIFY(!second->sceneBoundingRect().intersects(itemShape));
+    QVERIFY(!second->sceneBoundingRect().intersects(first->sceneBoundingRect()));
 }
 
 void TestGraphView::rubberBand()
